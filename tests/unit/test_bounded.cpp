@@ -1,0 +1,415 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "bounded/bounded.h"
+
+// Buffers are compared over their full size, bytes past the capacity
+// included, written as text with '.' standing for a NUL byte.
+namespace {
+
+constexpr uint64_t kOverMax = BND_MAX_CAPACITY + 1;
+
+std::string shown(const char* bytes, size_t size)
+{
+    std::string text(bytes, size);
+    for (char& c : text) {
+        c = c == '\0' ? '.' : c;
+    }
+    return text;
+}
+
+std::vector<char> arena(const char* text)
+{
+    std::vector<char> bytes(text, text + std::strlen(text));
+    for (char& c : bytes) {
+        c = c == '.' ? '\0' : c;
+    }
+    return bytes;
+}
+
+std::string shown(const std::vector<char>& bytes) { return shown(bytes.data(), bytes.size()); }
+
+// ---------------------------------------------------------------------------
+// Checks every routine makes before it looks at the data.
+
+using Routine = int32_t (*)(char* dest, uint64_t capacity, const char* src);
+
+struct ArgRow {
+    const char* name;
+    Routine call;
+    const char* afterNullSource;  // 12 bytes of "############" after reset
+};
+
+constexpr ArgRow kArgRows[] = {
+    {"memcpy_s", [](char* d, uint64_t c, const char* s) { return memcpy_s(d, c, s, 2); }, "........####"},
+    {"strcpy_s", [](char* d, uint64_t c, const char* s) { return strcpy_s(d, c, s); }, ".###########"},
+    {"strncpy_s", [](char* d, uint64_t c, const char* s) { return strncpy_s(d, c, s, 2); }, ".###########"},
+    {"strcat_s", [](char* d, uint64_t c, const char* s) { return strcat_s(d, c, s); }, ".###########"},
+    {"strncat_s", [](char* d, uint64_t c, const char* s) { return strncat_s(d, c, s, 2); }, ".###########"},
+};
+
+TEST(BoundedArgs, CapacityThenDestinationThenSource)
+{
+    for (const ArgRow& row : kArgRows) {
+        SCOPED_TRACE(row.name);
+        char buf[12];
+        std::memset(buf, '#', sizeof buf);
+
+        EXPECT_EQ(row.call(buf, 0, "ab"), BND_ERANGE);
+        EXPECT_EQ(row.call(buf, kOverMax, "ab"), BND_ERANGE);
+        EXPECT_EQ(row.call(nullptr, 0, nullptr), BND_ERANGE);  // capacity is looked at first
+        EXPECT_EQ(shown(buf, sizeof buf), "############");
+
+        EXPECT_EQ(row.call(nullptr, 8, "ab"), BND_EINVAL);
+        EXPECT_EQ(row.call(nullptr, BND_MAX_CAPACITY, nullptr), BND_EINVAL);
+
+        EXPECT_EQ(row.call(buf, 8, nullptr), BND_EINVAL_RESET);
+        EXPECT_EQ(shown(buf, sizeof buf), row.afterNullSource);
+    }
+}
+
+TEST(BoundedArgs, MemsetChecksCapacityThenDestination)
+{
+    char buf[4] = {'#', '#', '#', '#'};
+    EXPECT_EQ(memset_s(buf, 0, '*', 2), BND_ERANGE);
+    EXPECT_EQ(memset_s(buf, kOverMax, '*', 2), BND_ERANGE);
+    EXPECT_EQ(shown(buf, sizeof buf), "####");
+    EXPECT_EQ(memset_s(nullptr, 4, '*', 2), BND_EINVAL);
+}
+
+// ---------------------------------------------------------------------------
+// Memory routines, run inside one arena so that overlap in both directions
+// can be set up.
+
+constexpr const char* kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZ012345";
+
+struct MemcpyRow {
+    size_t destOff;
+    uint64_t capacity;
+    size_t srcOff;
+    uint64_t count;
+    int32_t rc;
+    const char* after;
+};
+
+constexpr MemcpyRow kMemcpyRows[] = {
+    {0, 8, 16, 4, EOK, "QRSTEFGHIJKLMNOPQRSTUVWXYZ012345"},
+    {0, 4, 16, 4, EOK, "QRSTEFGHIJKLMNOPQRSTUVWXYZ012345"},  // count == capacity
+    {0, 8, 16, 0, EOK, "ABCDEFGHIJKLMNOPQRSTUVWXYZ012345"},
+    {0, 8, 16, 9, BND_ERANGE_RESET, "........IJKLMNOPQRSTUVWXYZ012345"},
+    {4, 8, 4, 8, EOK, "ABCDEFGHIJKLMNOPQRSTUVWXYZ012345"},  // same address
+    {4, 8, 0, 8, BND_EOVERLAP_RESET, "ABCD........MNOPQRSTUVWXYZ012345"},  // source below
+    {0, 8, 4, 8, BND_EOVERLAP_RESET, "........IJKLMNOPQRSTUVWXYZ012345"},  // source above
+    {0, 8, 7, 8, BND_EOVERLAP_RESET, "........IJKLMNOPQRSTUVWXYZ012345"},  // one shared byte
+    {0, 8, 8, 8, EOK, "IJKLMNOPIJKLMNOPQRSTUVWXYZ012345"},  // adjacent
+    {8, 8, 0, 8, EOK, "ABCDEFGHABCDEFGHQRSTUVWXYZ012345"},
+    {8, 16, 0, 8, EOK, "ABCDEFGHABCDEFGHQRSTUVWXYZ012345"},  // only count bytes count
+};
+
+TEST(BoundedMemory, MemcpyTable)
+{
+    for (const MemcpyRow& row : kMemcpyRows) {
+        SCOPED_TRACE(testing::Message() << "dest+" << row.destOff << " cap " << row.capacity << " src+"
+                                        << row.srcOff << " count " << row.count);
+        std::vector<char> bytes = arena(kLetters);
+        EXPECT_EQ(memcpy_s(bytes.data() + row.destOff, row.capacity, bytes.data() + row.srcOff, row.count), row.rc);
+        EXPECT_EQ(shown(bytes), row.after);
+    }
+}
+
+struct MemsetRow {
+    uint64_t capacity;
+    int byte;
+    uint64_t count;
+    int32_t rc;
+    const char* after;
+};
+
+constexpr MemsetRow kMemsetRows[] = {
+    {8, '*', 4, EOK, "****EFGHIJKL"},
+    {8, '*', 8, EOK, "********IJKL"},
+    {8, '*', 0, EOK, "ABCDEFGHIJKL"},
+    {8, 0, 16, BND_ERANGE_RESET, "........IJKL"},
+    {8, '*', 9, BND_ERANGE_RESET, "********IJKL"},  // the byte asked for, not zero
+};
+
+TEST(BoundedMemory, MemsetTable)
+{
+    for (const MemsetRow& row : kMemsetRows) {
+        SCOPED_TRACE(testing::Message() << "cap " << row.capacity << " count " << row.count);
+        std::vector<char> bytes = arena("ABCDEFGHIJKL");
+        EXPECT_EQ(memset_s(bytes.data(), row.capacity, row.byte, row.count), row.rc);
+        EXPECT_EQ(shown(bytes), row.after);
+    }
+}
+
+// ---------------------------------------------------------------------------
+// String routines with separate source and destination.
+
+using CountedRoutine = int32_t (*)(char* dest, uint64_t capacity, const char* src, uint64_t count);
+
+constexpr CountedRoutine kStrcpy = [](char* d, uint64_t c, const char* s, uint64_t) { return strcpy_s(d, c, s); };
+constexpr CountedRoutine kStrncpy = [](char* d, uint64_t c, const char* s, uint64_t n) {
+    return strncpy_s(d, c, s, n);
+};
+constexpr CountedRoutine kStrcat = [](char* d, uint64_t c, const char* s, uint64_t) { return strcat_s(d, c, s); };
+constexpr CountedRoutine kStrncat = [](char* d, uint64_t c, const char* s, uint64_t n) {
+    return strncat_s(d, c, s, n);
+};
+
+struct StringRow {
+    const char* name;
+    CountedRoutine call;
+    const char* before;  // 12 bytes of destination, '.' for NUL
+    uint64_t capacity;
+    const char* src;
+    uint64_t count;
+    int32_t rc;
+    const char* after;
+};
+
+constexpr StringRow kStringRows[] = {
+    {"strcpy", kStrcpy, "############", 8, "abc", 0, EOK, "abc.########"},
+    {"strcpy fits exactly", kStrcpy, "############", 4, "abc", 0, EOK, "abc.########"},
+    {"strcpy too long", kStrcpy, "############", 4, "abcd", 0, BND_ERANGE_RESET, ".###########"},
+    {"strcpy empty", kStrcpy, "############", 8, "", 0, EOK, ".###########"},
+    {"strncpy cut by count", kStrncpy, "############", 8, "abcdef", 3, EOK, "abc.########"},
+    {"strncpy count past text", kStrncpy, "############", 8, "abc", 10, EOK, "abc.########"},
+    {"strncpy cut fits", kStrncpy, "############", 4, "abcdef", 3, EOK, "abc.########"},
+    {"strncpy cut too long", kStrncpy, "############", 4, "abcdef", 4, BND_ERANGE_RESET, ".###########"},
+    {"strncpy huge count", kStrncpy, "############", 4, "abcdef", UINT64_MAX, BND_ERANGE_RESET, ".###########"},
+    {"strncpy zero count", kStrncpy, "############", 8, "abc", 0, EOK, ".###########"},
+    {"strcat", kStrcat, "ab.#########", 8, "cde", 0, EOK, "abcde.######"},
+    {"strcat fits exactly", kStrcat, "ab.#########", 6, "cde", 0, EOK, "abcde.######"},
+    {"strcat no room", kStrcat, "ab.#########", 5, "cde", 0, BND_ERANGE_RESET, ".b.#########"},
+    {"strcat onto empty", kStrcat, ".###########", 4, "abc", 0, EOK, "abc.########"},
+    {"strcat unterminated", kStrcat, "############", 8, "c", 0, BND_EINVAL_RESET, ".###########"},
+    {"strcat NUL past capacity", kStrcat, "abcdefg.####", 7, "h", 0, BND_EINVAL_RESET, ".bcdefg.####"},
+    {"strncat", kStrncat, "ab.#########", 8, "cdef", 2, EOK, "abcd.#######"},
+    {"strncat fits exactly", kStrncat, "ab.#########", 5, "cdef", 2, EOK, "abcd.#######"},
+    {"strncat no room", kStrncat, "ab.#########", 4, "cdef", 2, BND_ERANGE_RESET, ".b.#########"},
+    {"strncat count past text", kStrncat, "ab.#########", 8, "cd", 10, EOK, "abcd.#######"},
+    {"strncat zero count", kStrncat, "ab.#########", 8, "cd", 0, EOK, "ab.#########"},
+    {"strncat unterminated", kStrncat, "############", 8, "cd", 1, BND_EINVAL_RESET, ".###########"},
+};
+
+TEST(BoundedString, CopyAndAppendTable)
+{
+    for (const StringRow& row : kStringRows) {
+        SCOPED_TRACE(row.name);
+        std::vector<char> dest = arena(row.before);
+        EXPECT_EQ(row.call(dest.data(), row.capacity, row.src, row.count), row.rc);
+        EXPECT_EQ(shown(dest), row.after);
+    }
+}
+
+TEST(BoundedString, StrncpyCutsLongTextAtCount)
+{
+    const std::string text(70, 's');
+    char dest[80];
+    std::memset(dest, '#', sizeof dest);
+    EXPECT_EQ(strncpy_s(dest, 64, text.c_str(), 63), EOK);
+    EXPECT_EQ(shown(dest, 65), std::string(63, 's') + ".#");
+}
+
+// Source and destination inside one arena; the overlap is judged on the text
+// actually copied, terminator included.
+struct OverlapRow {
+    const char* name;
+    CountedRoutine call;
+    const char* before;
+    size_t destOff;
+    uint64_t capacity;
+    size_t srcOff;
+    uint64_t count;
+    int32_t rc;
+    const char* after;
+};
+
+constexpr OverlapRow kOverlapRows[] = {
+    {"strcpy source above", kStrcpy, "abcdef.#########", 0, 8, 2, 0, BND_EOVERLAP_RESET, ".bcdef.#########"},
+    {"strcpy source below", kStrcpy, "abcdef.#########", 3, 8, 0, 0, BND_EOVERLAP_RESET, "abc.ef.#########"},
+    {"strcpy same address", kStrcpy, "abcdef.#########", 0, 8, 0, 0, BND_EOVERLAP_RESET, ".bcdef.#########"},
+    {"strcpy adjacent", kStrcpy, "abc.############", 4, 8, 0, 0, EOK, "abc.abc.########"},
+    {"strncpy cut clear of source", kStrncpy, "abcdef.#########", 4, 8, 0, 3, EOK, "abcdabc.########"},
+    {"strncpy cut onto source", kStrncpy, "abcdef.#########", 4, 8, 0, 4, BND_EOVERLAP_RESET, "abcd.f.#########"},
+    {"strcat itself", kStrcat, "ab.#############", 0, 8, 0, 0, BND_EOVERLAP_RESET, ".b.#############"},
+    {"strcat tail of own text", kStrcat, "abcd.###########", 0, 16, 2, 0, BND_EOVERLAP_RESET,
+     ".bcd.###########"},
+    {"strcat source past NUL", kStrcat, "ab.cd.##########", 0, 16, 3, 0, BND_EOVERLAP_RESET,
+     ".b.cd.##########"},
+    {"strcat source clear", kStrcat, "ab.#####cd.#####", 0, 8, 8, 0, EOK, "abcd.###cd.#####"},
+    {"strcat source below", kStrcat, "cd.ab.##########", 3, 8, 0, 0, EOK, "cd.abcd.########"},
+    {"strcat source runs into dest", kStrcat, "cdab.###########", 2, 8, 0, 0, BND_EOVERLAP_RESET,
+     "cd.b.###########"},
+    {"strncat source inside own text", kStrncat, "abcd.###########", 0, 16, 1, 1, BND_EOVERLAP_RESET,
+     ".bcd.###########"},
+    {"strncat cut clear", kStrncat, "ab.##cdef.######", 0, 5, 5, 2, EOK, "abcd.cdef.######"},
+    {"strncat cut onto source", kStrncat, "ab.##cdef.######", 0, 6, 5, 3, BND_EOVERLAP_RESET,
+     ".b.##cdef.######"},
+};
+
+TEST(BoundedString, OverlapTable)
+{
+    for (const OverlapRow& row : kOverlapRows) {
+        SCOPED_TRACE(row.name);
+        std::vector<char> bytes = arena(row.before);
+        EXPECT_EQ(row.call(bytes.data() + row.destOff, row.capacity, bytes.data() + row.srcOff, row.count), row.rc);
+        EXPECT_EQ(shown(bytes), row.after);
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Tokenizer.
+
+struct TokenRow {
+    const char* text;
+    const char* delimiters;
+    const char* tokens;  // joined with '|'
+};
+
+constexpr TokenRow kTokenRows[] = {
+    {"a,b,,c", ",", "a|b|c"},
+    {",,,a,,b,,,", ",", "a|b"},
+    {"", ",", ""},
+    {",,,", ",", ""},
+    {"abc", ",", "abc"},
+    {"abc", "", "abc"},
+    {"key=val; x = y", "=; ", "key|val|x|y"},
+};
+
+TEST(BoundedStrtok, SplitsOnRunsOfDelimiters)
+{
+    for (const TokenRow& row : kTokenRows) {
+        SCOPED_TRACE(row.text);
+        std::string text = row.text;
+        std::string joined;
+        char* context = nullptr;
+        for (char* tok = strtok_s(text.data(), row.delimiters, &context); tok != nullptr;
+             tok = strtok_s(nullptr, row.delimiters, &context)) {
+            joined += joined.empty() ? "" : "|";
+            joined += tok;
+        }
+        EXPECT_EQ(joined, row.tokens);
+        EXPECT_EQ(strtok_s(nullptr, row.delimiters, &context), nullptr);  // stays exhausted
+    }
+}
+
+TEST(BoundedStrtok, OverwritesDelimiterAndContinuesFromContext)
+{
+    char text[] = "a=1,b=2";
+    char* context = nullptr;
+    EXPECT_STREQ(strtok_s(text, "=", &context), "a");
+    EXPECT_STREQ(context, "1,b=2");
+    EXPECT_STREQ(strtok_s(nullptr, ",", &context), "1");  // delimiters may change per call
+    EXPECT_STREQ(strtok_s(nullptr, "=", &context), "b");
+    EXPECT_STREQ(strtok_s(nullptr, "=", &context), "2");
+    EXPECT_EQ(strtok_s(nullptr, "=", &context), nullptr);
+    EXPECT_EQ(shown(text, sizeof text), "a.1.b.2.");
+}
+
+TEST(BoundedStrtok, TwoTokenizersDoNotDisturbEachOther)
+{
+    char first[] = "a b c";
+    char second[] = "x,y";
+    char* ctxFirst = nullptr;
+    char* ctxSecond = nullptr;
+    EXPECT_STREQ(strtok_s(first, " ", &ctxFirst), "a");
+    EXPECT_STREQ(strtok_s(second, ",", &ctxSecond), "x");
+    EXPECT_STREQ(strtok_s(nullptr, " ", &ctxFirst), "b");
+    EXPECT_STREQ(strtok_s(nullptr, ",", &ctxSecond), "y");
+    EXPECT_STREQ(strtok_s(nullptr, " ", &ctxFirst), "c");
+    EXPECT_EQ(strtok_s(nullptr, ",", &ctxSecond), nullptr);
+}
+
+TEST(BoundedStrtok, AbsentArgumentsGiveNothing)
+{
+    char text[] = "a,b";
+    char* context = nullptr;
+    EXPECT_EQ(strtok_s(text, nullptr, &context), nullptr);
+    EXPECT_EQ(strtok_s(text, ",", nullptr), nullptr);
+    EXPECT_EQ(strtok_s(nullptr, ",", &context), nullptr);  // nothing to continue from
+    EXPECT_EQ(shown(text, sizeof text), "a,b.");
+}
+
+// ---------------------------------------------------------------------------
+// Formatting. The output "ab-42" has 5 characters.
+
+struct FormatRow {
+    uint64_t capacity;
+    uint64_t count;
+    int rc;
+    const char* after;  // 8 bytes
+};
+
+constexpr FormatRow kSprintfRows[] = {
+    {16, 0, 5, "ab-42.##"},
+    {6, 0, 5, "ab-42.##"},
+    {5, 0, -1, ".b-4.###"},  // vsnprintf wrote "ab-4" before the reset
+    {1, 0, -1, ".#######"},
+};
+
+TEST(BoundedFormat, SprintfTable)
+{
+    for (const FormatRow& row : kSprintfRows) {
+        SCOPED_TRACE(testing::Message() << "cap " << row.capacity);
+        std::vector<char> dest = arena("########");
+        EXPECT_EQ(sprintf_s(dest.data(), row.capacity, "%s-%d", "ab", 42), row.rc);
+        EXPECT_EQ(shown(dest), row.after);
+    }
+}
+
+constexpr FormatRow kSnprintfRows[] = {
+    {16, 16, 5, "ab-42.##"},
+    {16, 5, 5, "ab-42.##"},
+    {6, 5, 5, "ab-42.##"},
+    {6, 99, 5, "ab-42.##"},
+    {16, 4, -1, "ab-4.###"},  // cut by count, kept
+    {4, 10, -1, "ab-.####"},  // cut by capacity, kept
+    {16, 0, -1, ".#######"},
+    {1, 10, -1, ".#######"},
+};
+
+TEST(BoundedFormat, SnprintfTable)
+{
+    for (const FormatRow& row : kSnprintfRows) {
+        SCOPED_TRACE(testing::Message() << "cap " << row.capacity << " count " << row.count);
+        std::vector<char> dest = arena("########");
+        EXPECT_EQ(snprintf_s(dest.data(), row.capacity, row.count, "%s-%d", "ab", 42), row.rc);
+        EXPECT_EQ(shown(dest), row.after);
+    }
+}
+
+TEST(BoundedFormat, SnprintfKeepsCountCharactersOfLongText)
+{
+    const std::string text(100, 't');
+    char dest[70];
+    std::memset(dest, '#', sizeof dest);
+    EXPECT_EQ(snprintf_s(dest, 65, 64, " %s", text.c_str()), -1);
+    EXPECT_EQ(shown(dest, 66), " " + std::string(63, 't') + ".#");
+}
+
+TEST(BoundedFormat, InvalidArgumentsGiveMinusOne)
+{
+    const char* noFormat = nullptr;
+    char dest[4] = {'#', '#', '#', '#'};
+
+    EXPECT_EQ(sprintf_s(dest, 0, "%d", 1), -1);
+    EXPECT_EQ(sprintf_s(dest, kOverMax, "%d", 1), -1);
+    EXPECT_EQ(snprintf_s(dest, 0, 2, "%d", 1), -1);
+    EXPECT_EQ(snprintf_s(dest, kOverMax, 2, "%d", 1), -1);
+    EXPECT_EQ(shown(dest, sizeof dest), "####");  // capacity unknown: not touched
+    EXPECT_EQ(sprintf_s(nullptr, 4, "%d", 1), -1);
+    EXPECT_EQ(snprintf_s(nullptr, 4, 2, "%d", 1), -1);
+
+    EXPECT_EQ(sprintf_s(dest, 4, noFormat, 1), -1);
+    EXPECT_EQ(shown(dest, sizeof dest), ".###");
+    dest[0] = '#';
+    EXPECT_EQ(snprintf_s(dest, 4, 2, noFormat, 1), -1);
+    EXPECT_EQ(shown(dest, sizeof dest), ".###");
+}
+
+}  // namespace
