@@ -1,0 +1,95 @@
+// The command shell: dispatch rows, verb and object tables, shared printing.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+// A command handler: argv[0] is the command's own keyword, key=value
+// arguments follow. Returns 1 when the command succeeded.
+using MPCLI_Handler = uint8_t (*)(uint32_t argc, char** argv);
+
+enum : uint8_t { MPCLI_RESULT_FAIL = 0, MPCLI_RESULT_OK = 1 };
+enum : uint8_t { MPCLI_FLAG_NORMAL = 1, MPCLI_FLAG_DEBUG = 0 };
+
+struct MPCLI_Option {
+    const char* keyword;
+    const char* help;  // usage lines of the command; "" for hidden rows
+    MPCLI_Handler handler;
+    uint8_t flag;      // 1: allowed in normal mode; anything else: debug only
+};
+
+using MPCLI_Table = std::span<const MPCLI_Option>;
+
+extern uint8_t g_bCLIDebugCmdOn;
+extern char* g_pszCLIProgname;
+extern volatile uint32_t g_uiCLIContrlCRef;
+
+// Dispatch tables (cli_tables.cpp).
+extern const MPCLI_Table g_stCLIOptionsType;
+extern const MPCLI_Table g_stCLIOptionShowType;
+extern const MPCLI_Table g_stCLIOptionSetType;
+extern const MPCLI_Table g_stCLIOptionStartType;
+extern const MPCLI_Table g_stCLIOptionClearType;
+extern const MPCLI_Table g_stCLIOptionAddType;
+extern const MPCLI_Table g_stCLIOptionDelType;
+extern const MPCLI_Table g_stCLIOptionCheckType;
+extern const MPCLI_Table g_stCLIOptionStopType;
+extern const MPCLI_Table g_stCLIHelpOptionType;
+
+// Shell spine (cli_main.cpp).
+uint32_t MPCLI_Init(int argc, char** argv);
+void MPCLI_Fini();
+uint8_t MPCLI_DoMain(int argc, char** argv);
+uint8_t MPCLI_CliExe(char** argBuffers);
+char* MPCLI_Readline(const char* promptFormat, ...) __attribute__((format(printf, 1, 2)));
+uint32_t MPCLI_IsOneLineCmd(const char* token);
+uint8_t MPCLI_NewCmd(uint32_t argc, char** argv);
+uint8_t MPCLI_ExecuteParameter(const char* keyword, uint32_t argc, char** argv, uint32_t rows, const MPCLI_Option* table);
+uint8_t MPCLI_Dispatch(const char* keyword, uint32_t argc, char** argv, MPCLI_Table table);
+uint8_t MPCLI_JudgeEnvironment(const MPCLI_Option* row);
+uint8_t MPCLI_CheckTypeInvlaid(const char* key, const char* raw);
+uint32_t MPCLI_GetOperType(const char* keyword, uint32_t* operType);
+void MPCLI_ControlC(int signo);
+int MPCLI_Main(int argc, char** argv);
+
+// Verb handlers.
+uint8_t MPCLI_Show(uint32_t argc, char** argv);
+uint8_t MPCLI_Set(uint32_t argc, char** argv);
+uint8_t MPCLI_Start(uint32_t argc, char** argv);
+uint8_t MPCLI_Clear(uint32_t argc, char** argv);
+uint8_t MPCLI_Add(uint32_t argc, char** argv);
+uint8_t MPCLI_Del(uint32_t argc, char** argv);
+uint8_t MPCLI_Check(uint32_t argc, char** argv);
+uint8_t MPCLI_Stop(uint32_t argc, char** argv);
+
+// Help and general commands (cli_help.cpp, cli_misc.cpp).
+void MPCLI_CVMUsage();
+uint8_t MPCLI_Help(uint32_t argc, char** argv);
+uint8_t MPCLI_HelpHelp(uint32_t argc, char** argv);
+uint8_t MPCLI_HelpQuit(uint32_t argc, char** argv);
+uint8_t MPCLI_HelpShow(uint32_t argc, char** argv);
+uint8_t MPCLI_HelpSet(uint32_t argc, char** argv);
+uint8_t MPCLI_HelpStart(uint32_t argc, char** argv);
+uint8_t MPCLI_HelpClear(uint32_t argc, char** argv);
+uint8_t MPCLI_HelpAdd(uint32_t argc, char** argv);
+uint8_t MPCLI_HelpDel(uint32_t argc, char** argv);
+uint8_t MPCLI_HelpCheck(uint32_t argc, char** argv);
+uint8_t MPCLI_HelpGenerateprkey(uint32_t argc, char** argv);
+uint8_t MPCLI_HelpStop(uint32_t argc, char** argv);
+uint8_t MPCLI_ShowVersion(uint32_t argc, char** argv);
+uint8_t MPCLI_GenClusterKey(uint32_t argc, char** argv);
+uint8_t MPCLI_CheckStatus(uint32_t argc, char** argv);
+uint8_t MPCLI_ShowWorker(uint32_t argc, char** argv);
+uint8_t MPCLI_StartDiskDriverUpdate(uint32_t argc, char** argv);
+uint8_t MPCLI_RiskPrompt(const char* prompt);
+
+// Shared reporters of a failed code.
+void MPCLI_PrintfErrorInfo(uint32_t code, const char* objectId, uint8_t perVlun);
+void MPCLI_PrintfInternalErrorInfo(uint32_t code);
+struct UilStatusRecord;
+void MPCLI_FormatCheckStatus(const UilStatusRecord* rec, char* out, size_t size);
+
+// Prints a text to standard output and flushes it: every user-visible
+// message goes through here.
+void MPCLI_Print(const char* fmt, ...) __attribute__((format(printf, 1, 2)));

@@ -1,0 +1,72 @@
+// The dispatch tables: a verb, then an object keyword, to a handler.
+#include <array>
+
+#include "cli/cli.h"
+#include "cli/cli_helptext.h"
+
+namespace {
+
+constexpr uint8_t N = MPCLI_FLAG_NORMAL;
+
+constexpr std::array kOptions = std::to_array<MPCLI_Option>({
+    {"help", HELP_HELP, MPCLI_Help, N},
+    {"?", HELP_QUESTION, MPCLI_Help, N},
+    {"show", "", MPCLI_Show, N},
+    {"set", "", MPCLI_Set, N},
+    {"start", "", MPCLI_Start, N},
+    {"clear", "", MPCLI_Clear, N},
+    {"add", "", MPCLI_Add, N},
+    {"del", "", MPCLI_Del, N},
+    {"genprkey", HELP_GENPRKEY, MPCLI_GenClusterKey, N},
+    {"check", "", MPCLI_Check, N},
+    {"stop", "", MPCLI_Stop, N},
+});
+
+constexpr std::array kShow = std::to_array<MPCLI_Option>({
+    {"version", HELP_SHOW_VERSION, MPCLI_ShowVersion, N},
+    {"workerstate", HELP_SHOW_WORKERSTATE, MPCLI_ShowWorker, N},
+});
+
+constexpr std::array<MPCLI_Option, 0> kSet{};
+
+constexpr std::array kStart = std::to_array<MPCLI_Option>({
+    {"diskdriverupdate", "", MPCLI_StartDiskDriverUpdate, N},
+});
+
+constexpr std::array<MPCLI_Option, 0> kClear{};
+constexpr std::array<MPCLI_Option, 0> kAdd{};
+constexpr std::array<MPCLI_Option, 0> kDel{};
+
+constexpr std::array kCheck = std::to_array<MPCLI_Option>({
+    {"status", HELP_CHECK_STATUS, MPCLI_CheckStatus, N},
+});
+
+constexpr std::array<MPCLI_Option, 0> kStop{};
+
+constexpr std::array kHelp = std::to_array<MPCLI_Option>({
+    {"help", HELP_HELP, MPCLI_HelpHelp, N},
+    {"?", HELP_QUESTION, MPCLI_HelpHelp, N},
+    {"quit", HELP_QUIT, MPCLI_HelpQuit, N},
+    {"show", "", MPCLI_HelpShow, N},
+    {"set", "", MPCLI_HelpSet, N},
+    {"start", "", MPCLI_HelpStart, N},
+    {"clear", "", MPCLI_HelpClear, N},
+    {"add", "", MPCLI_HelpAdd, N},
+    {"del", "", MPCLI_HelpDel, N},
+    {"check", "", MPCLI_HelpCheck, N},
+    {"genprkey", HELP_GENPRKEY, MPCLI_HelpGenerateprkey, N},
+    {"stop", "", MPCLI_HelpStop, N},
+});
+
+}  // namespace
+
+constinit const MPCLI_Table g_stCLIOptionsType{kOptions};
+constinit const MPCLI_Table g_stCLIOptionShowType{kShow};
+constinit const MPCLI_Table g_stCLIOptionSetType{kSet};
+constinit const MPCLI_Table g_stCLIOptionStartType{kStart};
+constinit const MPCLI_Table g_stCLIOptionClearType{kClear};
+constinit const MPCLI_Table g_stCLIOptionAddType{kAdd};
+constinit const MPCLI_Table g_stCLIOptionDelType{kDel};
+constinit const MPCLI_Table g_stCLIOptionCheckType{kCheck};
+constinit const MPCLI_Table g_stCLIOptionStopType{kStop};
+constinit const MPCLI_Table g_stCLIHelpOptionType{kHelp};

@@ -1,0 +1,223 @@
+// Base services: log codes, trace line format, full names, allocation,
+// the guarded counter and the intrusive list.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <sstream>
+#include <string>
+
+#include "mpi/mpi_root.h"
+#include "mpi/mpi_usr.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Every test in this file runs beneath one sandbox root, set before the
+// program's first look at CVADM_ROOT.
+const std::string& sandbox()
+{
+    static const std::string root = [] {
+        std::string dir = fs::temp_directory_path() / ("cvadm-mpi-" + std::to_string(getpid()));
+        fs::remove_all(dir);
+        fs::create_directories(dir);
+        setenv("CVADM_ROOT", dir.c_str(), 1);
+        return dir;
+    }();
+    return root;
+}
+
+std::string traceFile() { return sandbox() + "/opt/Corvane/log/cli_uil_log.txt"; }
+
+std::string readAll(const std::string& path)
+{
+    std::ifstream in(path);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::string lastLine(const std::string& text)
+{
+    size_t end = text.size();
+    if (end > 0 && text[end - 1] == '\n') {
+        --end;
+    }
+    size_t start = text.rfind('\n', end ? end - 1 : 0);
+    return text.substr(start == std::string::npos ? 0 : start + 1, end - (start == std::string::npos ? 0 : start + 1));
+}
+
+struct LogCodeCase {
+    uint32_t value;
+    uint32_t width;
+    const char* expected;
+};
+
+class LogCode : public testing::TestWithParam<LogCodeCase> {};
+
+TEST_P(LogCode, WritesExactlyWidthHexDigits)
+{
+    const LogCodeCase& c = GetParam();
+    char out[16];
+    std::memset(out, 'x', sizeof(out));
+    UIL_GenerateLogCode(c.value, c.width, out);
+    EXPECT_EQ(std::string(out, c.width), c.expected);
+    EXPECT_EQ(out[c.width], 'x') << "no terminator and nothing beyond the field";
+}
+
+INSTANTIATE_TEST_SUITE_P(Values, LogCode,
+                         testing::Values(LogCodeCase{0x1ab6, 4, "1ab6"}, LogCodeCase{0x13, 2, "13"},
+                                         LogCodeCase{0, 4, "0000"}, LogCodeCase{0x5342, 8, "00005342"},
+                                         LogCodeCase{0xC0, 2, "c0"}, LogCodeCase{0xF, 1, "f"},
+                                         LogCodeCase{0x12345, 4, "2345"}));
+
+TEST(HexChar, DigitsLettersAndOutOfRange)
+{
+    const char* expected = "0123456789abcdef";
+    for (uint32_t d = 0; d < 16; ++d) {
+        EXPECT_EQ(UIL_NumToHexadecimalChar(d), expected[d]);
+    }
+    EXPECT_EQ(UIL_NumToHexadecimalChar(16), '0');
+    EXPECT_EQ(UIL_NumToHexadecimalChar(0xFFFFFFFF), '0');
+}
+
+TEST(TraceLog, LineFormatAndMissingDirectory)
+{
+    fs::remove_all(sandbox() + "/opt");
+    int line = __LINE__ + 1;
+    MPI_TraceMsg(MPI_MOD_UIL, MPI_LOG_ERROR, "SomeFunction", line, "Value {%d} refused", 7);
+    ASSERT_TRUE(fs::exists(traceFile())) << "the first line creates the log directory";
+    EXPECT_EQ(fs::status(sandbox() + "/opt/Corvane/log").permissions() & fs::perms::all,
+              fs::perms::owner_read | fs::perms::owner_write);
+    char code[5] = {};
+    UIL_GenerateLogCode(static_cast<uint32_t>(line), 4, code);
+    std::regex pattern("^\\[\\d{4}-\\d{2}-\\d{2} \\d{2}:\\d{2}:\\d{2}\\] \\[0000534213c0" + std::string(code) +
+                       "\\] \\[ERROR\\] \\[UIL   \\] \\[SomeFunction: " + std::to_string(line) +
+                       " \\] Value \\{7\\} refused\\.$");
+    EXPECT_TRUE(std::regex_match(lastLine(readAll(traceFile())), pattern)) << readAll(traceFile());
+}
+
+TEST(TraceLog, RawTailAndModuleAndLevelNames)
+{
+    MPI_TraceRaw(MPI_MOD_UIA, MPI_LOG_WARN, "F", 6838, "Pointer \"%s\" is NULL.\n", "pcOption");
+    EXPECT_TRUE(std::regex_match(lastLine(readAll(traceFile())),
+                                 std::regex(R"(^\[[^]]+\] \[0000534212c01ab6\] \[WARN\] \[UIA   \] \[F: 6838 \] Pointer "pcOption" is NULL\.$)")));
+    EXPECT_STREQ(MPI_ModuleName(19), "UIL");
+    EXPECT_STREQ(MPI_ModuleName(28), "REF");
+    EXPECT_STREQ(MPI_LevelName(4), "FATAL");
+}
+
+TEST(FullName, KindsAndTheBufferKeptForUnknownKinds)
+{
+    EXPECT_EQ(std::string(MPI_GetFullName(MPI_NAME_LOG, "oper_log")), sandbox() + "/opt/Corvane/log/oper_log");
+    EXPECT_EQ(std::string(MPI_GetFullName(MPI_NAME_CFG, "a.conf")), sandbox() + "/etc/Corvane/a.conf");
+    // An unknown kind appends to whatever the buffer held last.
+    EXPECT_EQ(std::string(MPI_GetFullName(7, ".bak")), sandbox() + "/etc/Corvane/a.conf.bak");
+    std::string longName(600, 'n');
+    EXPECT_EQ(std::strlen(MPI_GetFullName(MPI_NAME_LOG, longName.c_str())), MPI_PATH_BUF_LEN - 1);
+}
+
+TEST(LogPaths, TenFilesUnderTheLogDirectory)
+{
+    UIL_GetLogPathName();
+    std::string dir = sandbox() + "/opt/Corvane/log/";
+    EXPECT_EQ(dir + "oper_log", g_pstUILLogOperPath);
+    EXPECT_EQ(dir + "cli_uil_log.txt", g_pstUILLogTracePath);
+    EXPECT_EQ(dir + "event_log", g_pstUILLogEventPath);
+    EXPECT_EQ(dir + "alarm_time_log.txt", g_pstUILLogTimePath);
+    EXPECT_STREQ(g_pstUILLogCvadmPath, "");
+}
+
+TEST(ZMalloc, LimitsAndZeroFill)
+{
+    size_t before = readAll(traceFile()).size();
+    EXPECT_EQ(UIL_ZMalloc(0), nullptr);
+    EXPECT_EQ(MPCLI_ZMalloc(0x40000001), nullptr);
+    std::string added = readAll(traceFile()).substr(before);
+    EXPECT_EQ(std::count(added.begin(), added.end(), '\n'), 2);
+    EXPECT_NE(added.find("Invalid parameter."), std::string::npos);
+
+    auto* block = static_cast<unsigned char*>(UIL_ZMalloc(64));
+    ASSERT_NE(block, nullptr);
+    for (int i = 0; i < 64; ++i) {
+        EXPECT_EQ(block[i], 0);
+    }
+    std::free(block);
+}
+
+TEST(Atomic, ReturnsTheValueBeforeTheChange)
+{
+    MPI_Atomic counter;
+    MPI_AtomicInit(&counter, 5);
+    EXPECT_EQ(MPI_AtomicIncrease(&counter), 5);
+    EXPECT_EQ(MPI_AtomicRead(&counter), 6);
+    EXPECT_EQ(MPI_AtomicDecrease(&counter), 6);
+    EXPECT_EQ(MPI_AtomicRead(&counter), 5);
+    MPI_AtomicDestroy(&counter);
+    EXPECT_EQ(counter.state, MPI_ATOMIC_DESTROYED);
+}
+
+TEST(AtomicDeath, UseAfterDestroyAndBeforeInitPanic)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    MPI_Atomic counter;
+    MPI_AtomicInit(&counter, 0);
+    MPI_AtomicDestroy(&counter);
+    EXPECT_EXIT(MPI_AtomicRead(&counter), testing::ExitedWithCode(255), "");
+    MPI_Atomic fresh;
+    EXPECT_EXIT(MPI_AtomicIncrease(&fresh), testing::ExitedWithCode(255), "");
+}
+
+struct Item {
+    int value;
+    MPI_ListNode links;
+};
+
+std::vector<int> values(MPI_ListNode* head)
+{
+    std::vector<int> out;
+    for (MPI_ListNode* n = head->next; n != head; n = n->next) {
+        out.push_back(MPI_LIST_ENTRY(n, Item, links)->value);
+    }
+    return out;
+}
+
+TEST(List, HeadTailAndDelete)
+{
+    MPI_ListNode head;
+    MPI_ListInit(&head);
+    EXPECT_TRUE(MPI_ListEmpty(&head));
+    Item a{1, {}}, b{2, {}}, c{3, {}};
+    MPI_ListAddTail(&a.links, &head);
+    MPI_ListAddTail(&b.links, &head);
+    MPI_ListAddHead(&c.links, &head);
+    EXPECT_EQ(values(&head), (std::vector<int>{3, 1, 2}));
+    EXPECT_EQ(head.prev, &b.links);
+    MPI_ListDelete(&a.links);
+    EXPECT_EQ(values(&head), (std::vector<int>{3, 2}));
+    EXPECT_EQ(c.links.next, &b.links);
+    EXPECT_EQ(b.links.prev, &c.links);
+}
+
+struct RootCase {
+    const char* abs;
+    const char* expectedTail;
+};
+
+TEST(Root, EveryAbsolutePathGoesBeneathTheSandbox)
+{
+    for (const RootCase& c : {RootCase{"/dev/cvdrv", "/dev/cvdrv"}, RootCase{"/etc/user_cfg.xml", "/etc/user_cfg.xml"}}) {
+        EXPECT_EQ(MPI_HostPath(c.abs), sandbox() + c.expectedTail);
+        char out[MPI_PATH_BUF_LEN];
+        MPI_RootPath(c.abs, out, sizeof(out));
+        EXPECT_EQ(std::string(out), sandbox() + c.expectedTail);
+    }
+    char small[8];
+    MPI_RootPath("/etc/user_cfg.xml", small, sizeof(small));
+    EXPECT_EQ(std::strlen(small), sizeof(small) - 1) << "cut to fit, always terminated";
+}
+
+}  // namespace

@@ -1,0 +1,36 @@
+#include "uia/uia.h"
+#include "uil/uil.h"
+
+uint32_t INTF_UIL_Init()
+{
+    UIL_GetLogPathName();
+    if (UIL_LogInit() != MPI_RET_SUCCESS) {
+        return UIL_TRACE_INIT_FAIL;
+    }
+    return INTF_UIA_Init();
+}
+
+void INTF_UIL_Fini()
+{
+    INTF_UIA_Fini();
+    UIL_LogFini();
+}
+
+void INTF_UIL_CliBegin() { INTF_UIA_CliBegin(); }
+
+void INTF_UIL_CliEnd() { INTF_UIA_CliEnd(); }
+
+uint32_t INTF_UIL_CheckUpgradeThread() { return INTF_UIA_CheckUpgradeThread(); }
+
+uint32_t INTF_UIL_CliLimitCheck()
+{
+    if (INTF_UIA_CliLimitCheck() > UIA_MAX_INSTANCES) {
+        UIL_ERR("system is busy!");
+        return MPI_RET_FAIL;
+    }
+    return MPI_RET_SUCCESS;
+}
+
+void INTF_UIL_CheckConfig(UilEmitFn emit) { INTF_UIA_CheckConfig(emit); }
+
+void INTF_UIL_CheckHBAConfig(UilEmitFn emit) { INTF_UIA_CheckHBAConfig(emit); }
