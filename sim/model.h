@@ -1,0 +1,187 @@
+// The simulated multipath driver. The preload hands every ioctl aimed at the
+// sandbox's device node to cvsim::DeviceIoctl, which decodes the request
+// code, applies any scripted fault, answers from the driver model, and
+// appends one line to the request log.
+//
+// Adding a request: write its handler in a model_<family>.cpp file, declare
+// it below, and add one row to the table in model_table.cpp.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <ctime>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include <nlohmann/json.hpp>
+
+namespace cvsim {
+
+using Json = nlohmann::ordered_json;  // keeps the topology's key order in state.json
+
+// Result codes the model writes into the request frame.
+inline constexpr uint32_t kResultSuccess = 1024;
+inline constexpr uint32_t kResultInvalid = 1026;
+// What the frame holds when the model did not touch it: the program presets it.
+inline constexpr uint32_t kResultUntouched = 0xFFFFFFFF;
+
+// Any failure of the model itself (unreadable topology, bad payload access,
+// a broken sandbox). Caught at DeviceIoctl and never crosses into the program.
+class SimError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// ---------------------------------------------------------------------------
+// Payload access: little-endian fields at byte offsets, bounds-checked
+// against the size the request declares. The model keeps its own helpers
+// instead of sharing the program's, so a layout slip on one side shows up
+// as a mismatch on the other.
+class SimPayload {
+public:
+    SimPayload(uint8_t* base, size_t size) : m_base(base), m_size(size) {}
+
+    size_t size() const { return m_size; }
+
+    uint8_t u8(size_t off) const { return static_cast<uint8_t>(get(off, 1)); }
+    uint16_t u16(size_t off) const { return static_cast<uint16_t>(get(off, 2)); }
+    uint32_t u32(size_t off) const { return static_cast<uint32_t>(get(off, 4)); }
+    uint64_t u64(size_t off) const { return get(off, 8); }
+
+    void setU8(size_t off, uint8_t v) { put(off, 1, v); }
+    void setU16(size_t off, uint16_t v) { put(off, 2, v); }
+    void setU32(size_t off, uint32_t v) { put(off, 4, v); }
+    void setU64(size_t off, uint64_t v) { put(off, 8, v); }
+
+    // A fixed text field of `len` bytes: the text, then NUL padding. A text
+    // of exactly `len` bytes fills the field with no terminator, as the
+    // driver may; a longer one is a topology error.
+    void setText(size_t off, size_t len, std::string_view text);
+    void zero(size_t off, size_t len);
+
+    // Enumerations pass a buffer larger than the declared size and say how
+    // large in the payload itself (a capacity word); the driver trusts it.
+    SimPayload widened(size_t size) const { return SimPayload(m_base, size); }
+
+private:
+    void check(size_t off, size_t width) const;
+    uint64_t get(size_t off, size_t width) const;
+    void put(size_t off, size_t width, uint64_t v);
+
+    uint8_t* m_base;
+    size_t m_size;
+};
+
+// ---------------------------------------------------------------------------
+// What a handler sees of the driver: its state document (the topology as
+// first loaded, then whatever the requests changed) and the clock.
+class SimContext {
+public:
+    explicit SimContext(Json& driver) : m_driver(driver) {}
+
+    const Json& driver() const { return m_driver; }
+    // For requests that change the driver: the state is saved after the
+    // request. Check the request fully before changing anything: a handler
+    // that fails half-way leaves its changes in this process's state.
+    Json& changeDriver()
+    {
+        m_changed = true;
+        return m_driver;
+    }
+    bool changed() const { return m_changed; }
+    // Read once per request, so every time in one answer agrees.
+    std::time_t now();
+
+private:
+    Json& m_driver;
+    std::optional<std::time_t> m_now;
+    bool m_changed = false;
+};
+
+using SimHandler = uint32_t (*)(SimContext& ctx, SimPayload& payload);
+
+inline constexpr int32_t kNoCountField = -1;
+
+struct SimRequestRow {
+    uint32_t nr;
+    uint32_t size;        // declared payload size, carried in the request code
+    SimHandler handler;
+    int32_t countOffset;  // u32 count the answer carries (for the count= fault), or kNoCountField
+};
+
+const SimRequestRow* FindRequest(uint32_t nr);
+
+// The request code as the driver decodes it: _IOR('M', nr, size).
+struct SimCode {
+    uint32_t dir;
+    uint32_t type;
+    uint32_t nr;
+    uint32_t size;
+};
+inline constexpr uint32_t kDirRead = 2;
+inline constexpr uint32_t kTypeLetter = 0x4D;  // 'M'
+SimCode DecodeCode(unsigned long code);
+
+// ---------------------------------------------------------------------------
+// Reading the topology and state documents with errors that name the place.
+const Json& JsonMember(const Json& obj, const char* key, const std::string& where);
+const Json* JsonOptionalMember(const Json& obj, const char* key, const std::string& where);
+uint32_t JsonU32(const Json& v, const std::string& where);
+uint64_t JsonU64(const Json& v, const std::string& where);
+const std::string& JsonString(const Json& v, const std::string& where);
+const Json& JsonArray(const Json& v, const std::string& where);
+
+// Broken-down UTC time as the driver reports it: u16 year, u8 month (1-12),
+// u8 day, u8 hour, u8 minute, u8 second.
+inline constexpr size_t kWireTimeLen = 7;
+void PutWireTime(SimPayload& p, size_t off, std::time_t t);
+
+// ---------------------------------------------------------------------------
+// Sandbox files ($CVADM_ROOT/sim/...).
+struct SimPaths {
+    std::string root;
+    std::string simDir;
+    std::string topology;
+    std::string state;
+    std::string requestLog;
+    std::string faults;
+    std::string diagLog;
+    std::string lock;
+};
+SimPaths MakePaths(const std::string& root);
+
+bool ReadFile(const std::string& path, std::string& out);  // false when absent
+void WriteFileAtomic(const std::string& path, std::string_view data);
+void AppendLine(const std::string& path, std::string_view line);
+// A problem with the simulation's own setup: stderr and sim.log.
+void Complain(const SimPaths& paths, const std::string& msg);
+
+// ---------------------------------------------------------------------------
+// Scripted faults ($CVADM_ROOT/sim/faults).
+enum class FaultKind { Refuse, Untouched, Code, Count };
+struct Fault {
+    FaultKind kind;
+    uint32_t value;  // Code: the result; Count: the count
+};
+// Takes the first fault that applies to request `nr` (consuming one of its
+// times); false when none does.
+bool TakeFault(const SimPaths& paths, uint32_t nr, Fault& out);
+
+// ---------------------------------------------------------------------------
+// Clock: CVSIM_NOW=<unix seconds> fixes it, otherwise the real time.
+std::time_t SimNow();
+
+// ---------------------------------------------------------------------------
+// The entry used by the preload: `arg` is the request frame. Returns what
+// ioctl returns and sets errno on failure.
+int DeviceIoctl(const char* root, unsigned long code, void* arg) noexcept;
+
+// ---------------------------------------------------------------------------
+// Handlers, one family per file.
+uint32_t HandleVersion(SimContext& ctx, SimPayload& p);      // model_general.cpp
+uint32_t HandleWorkerTable(SimContext& ctx, SimPayload& p);  // model_general.cpp
+
+}  // namespace cvsim
