@@ -26,11 +26,12 @@ struct UilStatusRecord {
     uint32_t severity;
     uint32_t type;
     char arrayName[81];
-    char initiatorWwn[65];
+    char initiatorWwn[282];  // printable initiator port of the path
     char controller[17];
-    char targetWwn[65];
+    char targetWwn[282];     // printable target port of the path
     char lunWwn[33];  // empty: the record is about the host, not one LUN
     uint32_t pathId;
+    uint32_t arrayId;
 };
 
 // Fills `head` with one record per problem: 1024 (the list may be empty),
