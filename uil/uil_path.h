@@ -249,7 +249,14 @@ void INTF_UIL_EnumeratePhyPathEnd(MPI_ListNode* head);
 uint32_t UIL_GetLogicalLunForPhyPath(UilPathInfo* phyPath);
 
 // ---------------------------------------------------------------------------
-// HBAs.
+// HBAs. Wire layouts (little-endian):
+//   all HBA IDs (0x42, declared 12, sent with 12 + 4 * (64 - 1)): u32
+//     capacity at 0 (written by the program), u32 count at 4, u32 IDs from 8;
+//   HBA info by WWN / by ID (0x40 / 0x41, 256): u32 result at 0 (preset to
+//     1030), u32 HBA ID at 4 (input of the by-ID query), u32 word at 8, WWN
+//     text at 12 (241, input of the by-WWN query), u8 enabled at 254;
+//   physical paths of an HBA (0x2c, 848): u32 HBA ID at 0, u32 count at 4,
+//     u32 path IDs from 8 (at most 210).
 struct UilHbaInfo {
     uint32_t hbaId;    // wire 4
     uint32_t word8;    // wire 8, second word returned by the driver
