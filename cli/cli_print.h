@@ -1,0 +1,82 @@
+// Console display helpers: trimming, centred cells, dash lines and a small
+// table printer shared by the list commands (arrays, VLUNs, paths, I/O
+// counts). MPCLI_Print itself is declared in cli/cli.h.
+//
+// The table convention: every cell, headers included, is centred in its
+// column width plus 2, cells follow each other without separator, and the
+// table is framed by dash lines. Widths are measured over the header and
+// every row before anything is printed, and they only ever grow.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+// Removes the trailing blanks (spaces and tabs) of `str` in place.
+void MPCLI_ClearStrEndSpace(char* str);
+
+// Prints `text` centred in a field of `fieldWidth` characters: the left pad
+// is (fieldWidth - length) / 2 blanks, the right pad takes the rest, so an
+// odd leftover blank goes to the right. A text longer than the field is
+// printed whole, without padding.
+void MPCLI_PrintCentred(const char* text, uint32_t fieldWidth);
+
+// Prints `text` as a table cell of column width `width`: centred in
+// width + 2 (see MPCLI_PrintCentred).
+void MPCLI_CoutStrInMiddleSpace(const char* text, uint32_t width);
+
+// A line of `length` "-" (resp. "=") characters and a newline.
+void MPCLI_PrintDash(uint32_t length);
+void MPCLI_PrintDoubleDash(uint32_t length);
+
+// The display form of an array name: the name itself, cut to what fits in
+// `out` (at most outSize - 1 characters), always terminated.
+void MPCLI_ConvertArrayName(const char* name, char* out, size_t outSize);
+
+// One column of a table, as constexpr data.
+struct MPCLI_Column {
+    const char* header;
+    uint32_t minWidth;
+    bool fixed = false;  // the width stays minWidth, whatever the cells hold
+};
+
+// The widths of a table's columns. A width starts at the larger of the
+// column's minimum and its header's length, and only grows as rows are
+// measured. Keep the layout in a function-local static to share the widths
+// across every table of one run; use a local one for a table of its own.
+class MPCLI_TableLayout {
+public:
+    // `columns` must outlive the layout (normally a constexpr array).
+    // `dashExtra` lengthens the frame beyond the cells, for tables whose
+    // dash lines are drawn wider than their rows.
+    explicit MPCLI_TableLayout(std::span<const MPCLI_Column> columns, uint32_t dashExtra = 0);
+
+    // Grows the widths to fit one row (cells beyond the last column are ignored).
+    void measure(std::span<const std::string> row);
+    // Grows one column's width to fit a cell of `length` characters.
+    void measureCell(size_t column, size_t length);
+
+    size_t columnCount() const { return widths_.size(); }
+    uint32_t width(size_t column) const { return widths_[column]; }
+    const char* header(size_t column) const { return columns_[column].header; }
+    // Sum of (width + 2) over the columns, plus the extra.
+    uint32_t dashLength() const;
+
+private:
+    std::span<const MPCLI_Column> columns_;
+    std::vector<uint32_t> widths_;
+    uint32_t dashExtra_;
+};
+
+using MPCLI_TableRow = std::vector<std::string>;
+
+// Building blocks, for tables printed piecewise (a heading per group, ...).
+void MPCLI_PrintTableDash(const MPCLI_TableLayout& layout);
+void MPCLI_PrintTableHeader(const MPCLI_TableLayout& layout);
+// Missing cells print blank; cells beyond the last column are ignored.
+void MPCLI_PrintTableRow(const MPCLI_TableLayout& layout, std::span<const std::string> row);
+
+// Measures every row, then prints: dash line, headers, rows, dash line.
+void MPCLI_PrintTable(MPCLI_TableLayout& layout, std::span<const MPCLI_TableRow> rows);
