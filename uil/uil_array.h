@@ -13,6 +13,9 @@ inline constexpr size_t UIL_VENDOR_SIZE = 9;
 inline constexpr size_t UIL_PRODUCT_SIZE = 17;
 inline constexpr size_t UIL_REVISION_SIZE = 5;
 
+// Result of the array queries when a driver request fails.
+inline constexpr uint32_t UIL_RET_QUERY_FAIL = 3;
+
 // One array (request 0x0c). Callers own the record between
 // INTF_UIL_GetArrayInfoStart and INTF_UIL_GetArrayInfoEnd; the record holds
 // a list head, so it is never copied.
