@@ -631,8 +631,9 @@ uint32_t INTF_UIL_GetHbaInfoByWwn(UilHbaInfo* out)
     UIL_ASSERT(out != nullptr);
     UiaPayload payload(uia_req::GetHbaInfoByWwn.size);
     payload.setU32(hba::kResult, MPI_RET_FAIL);
-    char wwn[hba::kWwnLen + 1];
-    copyWord(out->wwn, wwn, sizeof(wwn));
+    // The caller's text may fill its buffer: never read past it.
+    char wwn[hba::kWwnLen + 1] = {};
+    (void)memcpy_s(wwn, sizeof(wwn), out->wwn, strnlen(out->wwn, std::min(sizeof(out->wwn), hba::kWwnLen)));
     payload.setText(hba::kWwn, hba::kWwnLen + 1, wwn);
     return queryHba(uia_req::GetHbaInfoByWwn, payload, out);
 }
