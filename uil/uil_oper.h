@@ -13,18 +13,7 @@
 #include <cstdint>
 
 #include "mpi/mpi_usr.h"
-
-// ---------------------------------------------------------------------------
-// The parameter record a setter fills for its operation-log line.
-inline constexpr size_t UIL_OPER_VALUE_LEN = 64;
-
-struct UilOperLogPara {
-    uint32_t objType;   // MPI_OBJ_COMMON .. MPI_OBJ_PATH; 0 when only the value is known
-    uint32_t objId;     // array, VLUN or path ID
-    uint32_t reserved;  // always zero
-    char value[UIL_OPER_VALUE_LEN];  // the value as typed, NUL-terminated
-};
-static_assert(sizeof(UilOperLogPara) == 76);
+#include "uil/uil_cfg.h"  // UilOperLogPara, the record the setters fill
 
 // ---------------------------------------------------------------------------
 // Event IDs (printed in decimal in the line).
