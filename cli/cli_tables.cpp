@@ -3,6 +3,7 @@
 
 #include "cli/cli.h"
 #include "cli/cli_helptext.h"
+#include "cli/cli_objects.h"
 
 namespace {
 
@@ -24,6 +25,9 @@ constexpr std::array kOptions = std::to_array<MPCLI_Option>({
 
 constexpr std::array kShow = std::to_array<MPCLI_Option>({
     {"version", HELP_SHOW_VERSION, MPCLI_ShowVersion, N},
+    {"array", HELP_SHOW_ARRAY, MPCLI_ShowArray, N},
+    {"path", HELP_SHOW_PATH, MPCLI_ShowPath, N},
+    {"vlun", HELP_SHOW_VLUN, MPCLI_ShowVLun, N},
     {"workerstate", HELP_SHOW_WORKERSTATE, MPCLI_ShowWorker, N},
 });
 
