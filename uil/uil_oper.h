@@ -182,13 +182,13 @@ uint32_t UIL_GetOperDscByEventID(uint32_t eventId, const char* command, const Ui
 enum UilLang : uint32_t { UIL_LANG_ENGLISH = 0, UIL_LANG_LOCAL = 1 };
 
 struct UilStrConvert {
-    const char* key;
+    const char* keyword;
     const char* english;
-    const char* localised;  // GB2312
+    const char* chinese;  // GB2312
 };
 inline constexpr const char UIL_UNKNOWN_STR[] = "Unknown Str";
 
-// The text of the row whose key equals `key` exactly, else "Unknown Str".
+// The text of the row whose keyword equals `key` exactly, else "Unknown Str".
 const char* UIL_StrTypeConvertToStr(const UilStrConvert* table, size_t rows, const char* key, UilLang lang);
 // The switch words of `table` ("1" and "0" rows) for a boolean.
 const char* UIL_BoolTypeConvertToStr(const UilStrConvert* table, size_t rows, bool value, UilLang lang);
@@ -223,6 +223,15 @@ uint32_t UIL_IncreaseAndGetOperSN(uint32_t* serial);
 
 inline constexpr const char UIL_OPER_SERIAL_PATH[] = "/opt/Corvane/log/serial_oper";
 inline constexpr uint32_t UIL_OPER_SERIAL_DIGITS = 9;
+
+// How hard the log is tried before giving up: 20 opens one second apart.
+// Tests shorten the wait; returns the setting in force before.
+struct UilOperLogRetry {
+    uint32_t attempts;
+    uint32_t delayMs;
+};
+inline constexpr UilOperLogRetry UIL_OPER_LOG_RETRY{20, 1000};
+UilOperLogRetry UIL_OperLogSetRetry(UilOperLogRetry retry);
 
 // ---------------------------------------------------------------------------
 // Reading back.

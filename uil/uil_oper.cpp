@@ -1,0 +1,447 @@
+// The operation log file and its serial number file: writing one line,
+// advancing the serial number, reading the log back.
+//
+// Neither file may be left torn by a process killed half-way: a line is
+// appended with one write() on a descriptor opened for appending, and the
+// serial file is replaced as a whole (temporary file, fsync, rename).
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "bounded/bounded.h"
+#include "mpi/mpi_root.h"
+#include "uil/uil_oper.h"
+
+namespace {
+
+constexpr size_t kUserLen = 32;
+constexpr size_t kDateLen = 40;
+constexpr size_t kMaxFields = 11;
+constexpr size_t kSerialFileMax = 4096;  // the number and whatever text follows it
+
+UilOperLogRetry g_stOperLogRetry = UIL_OPER_LOG_RETRY;
+
+class Fd {
+public:
+    explicit Fd(int fd = -1) : m_fd(fd) {}
+    ~Fd() { reset(); }
+    Fd(Fd&& other) noexcept : m_fd(other.m_fd) { other.m_fd = -1; }
+    Fd& operator=(Fd&&) = delete;
+    Fd(const Fd&) = delete;
+    Fd& operator=(const Fd&) = delete;
+    int get() const { return m_fd; }
+    explicit operator bool() const { return m_fd >= 0; }
+    void reset(int fd = -1)
+    {
+        if (m_fd >= 0) {
+            (void)close(m_fd);
+        }
+        m_fd = fd;
+    }
+    // Closes now and reports whether the data reached the file.
+    bool closeChecked()
+    {
+        int fd = m_fd;
+        m_fd = -1;
+        return fd < 0 || close(fd) == 0;
+    }
+
+private:
+    int m_fd;
+};
+
+struct FileCloser {
+    void operator()(FILE* f) const { (void)std::fclose(f); }
+};
+
+const char* operLogPath()
+{
+    if (g_pstUILLogOperPath[0] == '\0') {
+        UIL_GetLogPathName();
+    }
+    return g_pstUILLogOperPath;
+}
+
+std::string serialPath() { return MPI_HostPath(UIL_OPER_SERIAL_PATH); }
+
+// The log directory and its missing parents; the log directory itself is
+// private to root.
+void makeLogDir()
+{
+    std::string dir = MPI_HostPath(MPI_LOG_DIR);
+    for (size_t i = 1; i < dir.size(); ++i) {
+        if (dir[i] == '/') {
+            bool last = i == dir.size() - 1;
+            (void)mkdir(dir.substr(0, i).c_str(), last ? 0600 : 0755);
+        }
+    }
+}
+
+void pause(uint32_t ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
+
+Fd openForAppend(const char* path)
+{
+    for (uint32_t attempt = 0; attempt < g_stOperLogRetry.attempts; ++attempt) {
+        if (attempt > 0) {
+            pause(g_stOperLogRetry.delayMs);
+        }
+        Fd fd(open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600));
+        if (fd) {
+            return fd;
+        }
+        makeLogDir();
+    }
+    return Fd();
+}
+
+void getUserName(char* out, size_t size)
+{
+    struct passwd entry;
+    struct passwd* found = nullptr;
+    char buffer[1024];
+    if (getpwuid_r(getuid(), &entry, buffer, sizeof(buffer), &found) == 0 && found != nullptr) {
+        (void)snprintf_s(out, size, size - 1, "%s", found->pw_name);
+    } else {
+        (void)snprintf_s(out, size, size - 1, "%u", static_cast<unsigned>(getuid()));
+    }
+}
+
+void appendf(std::string& out, const char* fmt, ...) __attribute__((format(printf, 2, 3)));
+void appendf(std::string& out, const char* fmt, ...)
+{
+    va_list args;
+    va_start(args, fmt);
+    va_list again;
+    va_copy(again, args);
+    int need = std::vsnprintf(nullptr, 0, fmt, args);
+    va_end(args);
+    if (need > 0) {
+        size_t old = out.size();
+        out.resize(old + static_cast<size_t>(need) + 1);
+        (void)std::vsnprintf(&out[old], static_cast<size_t>(need) + 1, fmt, again);
+        out.resize(old + static_cast<size_t>(need));
+    }
+    va_end(again);
+}
+
+// One line stays one line: control characters typed into a command (or
+// carried by a value) would split it, so they are written as blanks.
+void blankControlCharacters(std::string& line)
+{
+    for (char& c : line) {
+        if (static_cast<unsigned char>(c) < 0x20) {
+            c = ' ';
+        }
+    }
+}
+
+bool writeAll(int fd, const std::string& data)
+{
+    size_t done = 0;
+    while (done < data.size()) {
+        ssize_t n = write(fd, data.data() + done, data.size() - done);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            return false;
+        }
+        done += static_cast<size_t>(n);
+    }
+    return true;
+}
+
+// ---------------------------------------------------------------------------
+// Serial number file.
+
+Fd openSerialFile(const std::string& path)
+{
+    // The file is never created here: without it there is no line at all.
+    for (uint32_t attempt = 0; attempt < g_stOperLogRetry.attempts; ++attempt) {
+        Fd fd(open(path.c_str(), O_RDWR | O_CLOEXEC));
+        if (fd) {
+            return fd;
+        }
+        makeLogDir();
+    }
+    return Fd();
+}
+
+bool readSerialFile(int fd, const std::string& path, std::string* content)
+{
+    if (lseek(fd, 0, SEEK_SET) != 0) {
+        UIL_ERR("move file [%s] pointer failed", path.c_str());
+        return false;
+    }
+    char buffer[kSerialFileMax];
+    size_t have = 0;
+    while (have < sizeof(buffer)) {
+        ssize_t n = read(fd, buffer + have, sizeof(buffer) - have);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n < 0) {
+            UIL_ERR("Read file [%s] failed: %s", path.c_str(), std::strerror(errno));
+            return false;
+        }
+        if (n == 0) {
+            break;
+        }
+        have += static_cast<size_t>(n);
+    }
+    content->assign(buffer, have);
+    return true;
+}
+
+// The number is the decimal value of the first nine characters (as atoi
+// reads them), 0 for an empty file.
+int32_t serialOf(const std::string& content)
+{
+    char digits[UIL_OPER_SERIAL_DIGITS + 1] = {};
+    (void)memcpy_s(digits, sizeof(digits), content.data(), std::min<size_t>(content.size(), UIL_OPER_SERIAL_DIGITS));
+    return std::atoi(digits);
+}
+
+// The new number is written over the start of the old text, which is not
+// cut: "99" becomes "100", "1000000000" becomes "1000000010".
+std::string overwriteStart(const std::string& content, int32_t serial)
+{
+    char digits[16];
+    (void)snprintf_s(digits, sizeof(digits), sizeof(digits) - 1, "%d", serial);
+    std::string next = digits;
+    if (content.size() > next.size()) {
+        next += content.substr(next.size());
+    }
+    return next;
+}
+
+void syncDirectoryOf(const std::string& path)
+{
+    std::string dir = path.substr(0, path.rfind('/') + 1);
+    Fd fd(open(dir.empty() ? "." : dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (fd) {
+        (void)fsync(fd.get());
+    }
+}
+
+// Replaces `path` with `content`: the old file stays whole until the new
+// one, complete and on disk, is renamed over it.
+bool replaceFile(const std::string& path, const std::string& content, mode_t mode)
+{
+    std::string tmp = path + ".XXXXXX";
+    Fd fd(mkostemp(&tmp[0], O_CLOEXEC));
+    if (!fd) {
+        UIL_ERR("Create temporary file for [%s] failed: %s", path.c_str(), std::strerror(errno));
+        return false;
+    }
+    bool ok = fchmod(fd.get(), mode & 07777) == 0 && writeAll(fd.get(), content) && fsync(fd.get()) == 0;
+    ok = fd.closeChecked() && ok;
+    if (!ok || rename(tmp.c_str(), path.c_str()) != 0) {
+        UIL_ERR("Write file [%s] failed: %s", path.c_str(), std::strerror(errno));
+        (void)unlink(tmp.c_str());
+        return false;
+    }
+    syncDirectoryOf(path);
+    return true;
+}
+
+// ---------------------------------------------------------------------------
+// Reading back.
+
+void copyField(char* out, size_t size, const char* field) { (void)strncpy_s(out, size, field, size - 1); }
+
+uint32_t fieldAsUint(const char* field) { return static_cast<uint32_t>(std::strtoul(field, nullptr, 10)); }
+
+// Splits a line at "[" (at most 11 pieces) and cuts every piece at "]".
+// Returns the number of fields, or 0 for a line with too many pieces.
+size_t splitFields(char* line, char** fields)
+{
+    char* context = nullptr;
+    size_t count = 0;
+    for (char* piece = strtok_s(line, "[", &context); piece != nullptr; piece = strtok_s(nullptr, "[", &context)) {
+        if (count == kMaxFields) {
+            UIL_ERR("'[' beyound max number %d", static_cast<int>(kMaxFields));
+            return 0;
+        }
+        char* close = std::strchr(piece, ']');
+        if (close != nullptr) {
+            *close = '\0';
+        }
+        fields[count++] = piece;
+    }
+    return count;
+}
+
+// Lines of 9 fields are those written before the result was recorded.
+bool fillEntry(char** fields, size_t count, UilOperLogEntry* entry)
+{
+    if (count != 9 && count != 10) {
+        return false;
+    }
+    entry->serial = fieldAsUint(fields[0]);
+    copyField(entry->date, sizeof(entry->date), fields[1]);
+    copyField(entry->user, sizeof(entry->user), fields[2]);
+    copyField(entry->source, sizeof(entry->source), fields[3]);
+    entry->level = fieldAsUint(fields[4]);
+    entry->eventId = fieldAsUint(fields[5]);
+    copyField(entry->command, sizeof(entry->command), fields[6]);
+    copyField(entry->english, sizeof(entry->english), fields[7]);
+    copyField(entry->localised, sizeof(entry->localised), fields[8]);
+    entry->hasResult = count == 10 ? 1 : 0;
+    entry->result = count == 10 ? fieldAsUint(fields[9]) : 0;
+    return true;
+}
+
+FILE* openForReading(const char* path)
+{
+    for (uint32_t attempt = 0; attempt < g_stOperLogRetry.attempts; ++attempt) {
+        FILE* file = std::fopen(path, "re");
+        if (file != nullptr) {
+            return file;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+UilOperLogRetry UIL_OperLogSetRetry(UilOperLogRetry retry)
+{
+    UilOperLogRetry before = g_stOperLogRetry;
+    g_stOperLogRetry = retry;
+    return before;
+}
+
+uint32_t UIL_IncreaseAndGetOperSN(uint32_t* serial)
+{
+    if (serial == nullptr) {
+        UIL_ERR("The input parameter is null");
+        return MPI_RET_INVALID_PARAM;
+    }
+    std::string path = serialPath();
+    Fd fd = openSerialFile(path);
+    if (!fd) {
+        UIL_ERR("Open file [%s] failed: %s", path.c_str(), std::strerror(errno));
+        return MPI_RET_FAIL;
+    }
+    struct stat st {};
+    std::string content;
+    if (fstat(fd.get(), &st) != 0 || !readSerialFile(fd.get(), path, &content)) {
+        return MPI_RET_FAIL;
+    }
+    int32_t next = serialOf(content) + 1;
+    if (!replaceFile(path, overwriteStart(content, next), st.st_mode)) {
+        UIL_ERR("fseek file [%s] seek set failed", path.c_str());
+        return MPI_RET_FAIL;
+    }
+    *serial = static_cast<uint32_t>(next);
+    return MPI_RET_SUCCESS;
+}
+
+uint32_t UIL_OperLog(const char* source, const char* verb, const char* command, uint32_t eventId, uint8_t result,
+                     const UilOperLogPara* record)
+{
+    UIL_ASSERT(source != NULL);
+    const char* path = operLogPath();
+    Fd fd = openForAppend(path);
+    if (!fd) {
+        UIL_ERR("Open oper log file [%s] failed", path);
+        return UIL_OPERLOG_OPEN_FAIL;
+    }
+    char user[kUserLen] = {};
+    getUserName(user, sizeof(user));
+    char english[UIL_OPER_DSC_LEN] = {};
+    char localised[UIL_OPER_DSC_LEN] = {};
+    uint32_t index = 0;
+    (void)UIL_GetOperDscByEventID(eventId, command, record, english, localised, &index);
+    char date[kDateLen] = {};
+    UIL_GetDate(date, sizeof(date));
+    uint32_t serial = 0;
+    if (UIL_IncreaseAndGetOperSN(&serial) != MPI_RET_SUCCESS) {
+        return MPI_RET_FAIL;
+    }
+    std::string line;
+    appendf(line, "[%u] [%s] [%s] [%s] [%u] [%u] [%s%s] [%s] [%s] [%u]", serial, date, user, source,
+            g_astUILOperLogFmt[index].level, eventId, verb != nullptr ? verb : "", command != nullptr ? command : "",
+            english, localised, static_cast<unsigned>(result));
+    blankControlCharacters(line);
+    line += '\n';
+    if (!writeAll(fd.get(), line) || !fd.closeChecked()) {
+        UIL_ERR("Write oper log file [%s] failed: %s", path, std::strerror(errno));
+        return MPI_RET_FAIL;
+    }
+    return MPI_RET_SUCCESS;
+}
+
+uint32_t INTF_UIL_EnumerateOperLogStart(MPI_ListNode* head, uint32_t* count)
+{
+    if (head == nullptr) {
+        UIL_ERR("The input log list head is NULL");
+        return MPI_RET_INVALID_PARAM;
+    }
+    MPI_ListInit(head);
+    uint32_t found = 0;
+    if (count != nullptr) {
+        *count = 0;
+    }
+    std::unique_ptr<FILE, FileCloser> file(openForReading(operLogPath()));
+    if (!file) {
+        UIL_ERR("Open oper log file [%s] failed", operLogPath());
+        return UIL_OPERLOG_OPEN_FAIL;
+    }
+    char* line = nullptr;
+    size_t capacity = 0;
+    bool anyLine = false;
+    uint32_t ret = MPI_RET_SUCCESS;
+    while (getline(&line, &capacity, file.get()) >= 0) {
+        anyLine = true;
+        auto* entry = static_cast<UilOperLogEntry*>(UIL_ZMalloc(sizeof(UilOperLogEntry)));
+        if (entry == nullptr) {
+            UIL_ERR("malloc for log info fail");
+            ret = MPI_RET_NO_MEMORY;
+            break;
+        }
+        char* fields[kMaxFields] = {};
+        size_t n = splitFields(line, fields);
+        if (!fillEntry(fields, n, entry)) {
+            std::free(entry);
+            continue;
+        }
+        MPI_ListAddTail(&entry->links, head);
+        ++found;
+    }
+    std::free(line);
+    if (!anyLine) {
+        UIL_ERR("no log info fail");
+        ret = MPI_RET_NOT_FOUND;
+    }
+    if (count != nullptr) {
+        *count = found;
+    }
+    return ret;
+}
+
+void INTF_UIL_EnumerateOperLogEnd(MPI_ListNode* head)
+{
+    if (head == nullptr) {
+        UIL_ERR("Input pointer of log list is NULL");
+        return;
+    }
+    while (!MPI_ListEmpty(head)) {
+        MPI_ListNode* node = head->next;
+        MPI_ListDelete(node);
+        std::free(MPI_LIST_ENTRY(node, UilOperLogEntry, links));
+    }
+}
