@@ -7,7 +7,9 @@
 //  - Unstable path (major): a physical path in any degraded state.
 //  - LUN abnormal (critical): a disk whose status is "Fault" or "Unavailable".
 //  - All path down (critical): a LUN none of whose logical paths can carry
-//    I/O (each one "Fault" or "Disable", or no logical path at all).
+//    I/O (each one "Fault" or "Disable", or no logical path at all); the
+//    paths of an unavailable disk read "Fault" unless disabled, as in the
+//    disk's detail.
 //  - Unstable path of LUN (warning): a logical path in a degraded state
 //    (busy, sensitive delay, ...) whose physical path reads "Normal"; a
 //    degraded physical path is reported once, as an unstable path.
@@ -181,8 +183,11 @@ uint32_t StatusCollector::scanDisk(const ArrayScan& scan, uint32_t diskId, bool 
     std::unique_ptr<MPI_ListNode, void (*)(MPI_ListNode*)> pathsGuard(&paths, UIL_EnumeratePathEnd);
     std::unordered_set<uint32_t> controllers;
     bool anyUsable = false;
-    for (const MPI_ListNode* p = paths.next; p != &paths; p = p->next) {
-        const UilPathInfo* path = UIL_ListEntry<UilPathInfo>(p);
+    for (MPI_ListNode* p = paths.next; p != &paths; p = p->next) {
+        UilPathInfo* path = MPI_LIST_ENTRY(p, UilPathInfo, links);
+        if (disk.unavailable == 1 && std::strcmp(path->pathState, UIL_PATH_STATE_DISABLE) != 0) {
+            path->pathState = UIL_PATH_STATE_FAULT;  // as the disk's detail shows it
+        }
         auto phys = m_paths.find(path->pathId);
         if (isUsable(path->pathState)) {
             anyUsable = true;
