@@ -1,0 +1,624 @@
+// Operation log: the description of every event, the serial number rules,
+// the line format, and reading the log back.
+#include <gtest/gtest.h>
+#include <iconv.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "mpi/mpi_root.h"
+#include "uil/uil_oper.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Every test in this file runs beneath one sandbox root, set before the
+// program's first look at CVADM_ROOT.
+const std::string& sandbox()
+{
+    static const std::string root = [] {
+        std::string dir = fs::temp_directory_path() / ("cvadm-oper-" + std::to_string(getpid()));
+        fs::remove_all(dir);
+        fs::create_directories(dir + "/opt/Corvane/log");
+        setenv("CVADM_ROOT", dir.c_str(), 1);
+        UIL_GetLogPathName();
+        return dir;
+    }();
+    return root;
+}
+
+// The sandbox is made before the first test runs (a trace line written
+// earlier would fix the root elsewhere) and removed after the last.
+class SandboxEnvironment : public testing::Environment {
+public:
+    void SetUp() override { sandbox(); }
+    void TearDown() override { fs::remove_all(sandbox()); }
+};
+[[maybe_unused]] testing::Environment* const kSandbox = testing::AddGlobalTestEnvironment(new SandboxEnvironment);
+
+std::string logDir() { return sandbox() + "/opt/Corvane/log"; }
+std::string operLog() { return logDir() + "/oper_log"; }
+std::string serialFile() { return logDir() + "/serial_oper"; }
+
+std::string readAll(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+void writeFile(const std::string& path, const std::string& content)
+{
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out << content;
+}
+
+std::vector<std::string> lines(const std::string& text)
+{
+    std::vector<std::string> out;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        out.push_back(line);
+    }
+    return out;
+}
+
+UilOperLogPara rec(uint32_t type, uint32_t id, const char* value)
+{
+    UilOperLogPara r{};
+    r.uiObjType = type;
+    r.uiObjId = id;
+    std::strncpy(r.szValue, value, sizeof(r.szValue) - 1);
+    return r;
+}
+
+UilOperLogPara value(const char* text) { return rec(0, 0, text); }
+
+struct Descriptions {
+    std::string english;
+    std::string localised;
+    uint32_t index = 0;
+    uint32_t ret = 0;
+};
+
+Descriptions describe(uint32_t eventId, const UilOperLogPara& record, const char* command = "")
+{
+    char en[UIL_OPER_DSC_LEN];
+    char zh[UIL_OPER_DSC_LEN];
+    std::memset(en, 'x', sizeof(en));
+    std::memset(zh, 'x', sizeof(zh));
+    Descriptions d;
+    d.ret = UIL_GetOperDscByEventID(eventId, command, &record, en, zh, &d.index);
+    d.english = en;
+    d.localised = zh;
+    return d;
+}
+
+// GB2312 text that iconv can read back; empty text passes.
+bool convertsFromGb2312(const std::string& text)
+{
+    iconv_t cd = iconv_open("UTF-8", "GB2312");
+    if (cd == reinterpret_cast<iconv_t>(-1)) {
+        return false;
+    }
+    std::string in = text;
+    std::vector<char> out(text.size() * 4 + 4);
+    char* src = in.data();
+    size_t srcLeft = in.size();
+    char* dst = out.data();
+    size_t dstLeft = out.size();
+    size_t r = iconv(cd, &src, &srcLeft, &dst, &dstLeft);
+    iconv_close(cd);
+    return r != static_cast<size_t>(-1) && srcLeft == 0;
+}
+
+// ---------------------------------------------------------------------------
+// Every event and its English description.
+
+struct EventCase {
+    uint32_t eventId;
+    UilOperLogPara record;
+    const char* english;
+};
+
+const EventCase kEvents[] = {
+    {0x53415101, rec(101, 3, "1"), "Open LB between controller for array id 3"},
+    {0x53415102, rec(100, 0, "0"), "Close LB between controller "},
+    {0x53415103, value("min-queue-depth"), "Modify LB Algorithm to minimal queue depth algorithm"},
+    {0x53415104, rec(102, 5, "1"), "Open Luntrespass feature for vlun id 5"},
+    {0x53415105, rec(102, 5, "2"), "Unknown Str Luntrespass feature for vlun id 5"},
+    {0x53415106, value("600"), "Set failback time to 600 s"},
+    {0x53415107, rec(101, 2, "60"), "Set hold on time to 60 s for array id 2"},
+    {0x53415108, value("10,3"), "Set IO retry count to 10 and retry interval to 3 s"},
+    {0x5341514c, value("15"), "Set resume failover delay time to 15 s"},
+    {0x53415148, value("abc"), "Set resume busy delay time to 0 s"},
+    {0x5341510a, rec(103, 7, "1"), "Enable physical path(path id = 7)"},
+    {0x5341510b, rec(103, 7, "0"), "Disable physical path(path id = 7)"},
+    {0x5341510c, value("12"), "Send path(path id = 12)health check conmand"},
+    {0x5341510d, rec(101, 1, "1,0A"), "Enable controller 0A(array ID = 1)"},
+    {0x5341510e, rec(101, 1, "0,3"), "Disable controller 3(array ID = 1)"},
+    {0x5341510f, value("ignored"), "( cvconfig array_id=1)Write to configuration"},
+    {0x53415110, value("-5"), "Set time zone to -5 hour"},
+    {0x53415111, value(""), "Generate PR key"},
+    {0x53415112, value("1"), ""},
+    {0x53415113, rec(103, 4, "19"), "Set physical path(id = 4)iostate to normal"},
+    {0x53415149, rec(103, 9, "25"), "Set logic path(path id = 9)iostate to high latency"},
+    {0x53415121, value("HUAWEI,XSG1"), "Add a support array vendorid=HUAWEI,proudctid=XSG1"},
+    {0x53415122, value("ACME,Box 9"), "Delete a support array vendorid=ACME,proudctid=Box 9"},
+    {0x53415114, value(""), "Clear alarm (serial=all)"},
+    {0x5341514a, value("30,5"), "Set Alarm IO stable time to 30 and delay time to 5 s"},
+    {0x53415144, rec(102, 6, "bDstIsPrior: 1, bRollBack: 0"),
+     "Start migration(direction/rollback: bDstIsPrior: 1, bRollBack: 0) for vlun_id=6"},
+    {0x53415145, rec(102, 6, "30"), "Start iosuspension (timeout=30 S) for vlun_id=6"},
+    {0x53415146, value("6"), "Stop iosuspension vlun_id=6"},
+    {0x53415123, value("array_id=1"), "Start rebalancelun array_id=1"},
+    {0x53415124, rec(102, 3, "200"),
+     "Set the number (200) of I/O to route to a path before switching to the next path for vlun id 3"},
+    {0x53415125, value("10"), "Set faulty path check interval 10 s"},
+    {0x53415126, value("60"), "Set idle path check interval 60 s"},
+    {0x53415127, rec(100, 0, "1800"), "Set io retry timeout 1800 s "},
+    {0x53415128, value("30"), "Set io timeout degrade time 30 s"},
+    {0x53415129, value("2"), "Set io timeout degrade threshold 2 times"},
+    {0x5341512a, value("1800"), "Set io timeout degrade recovery time 1800 s"},
+    {0x5341512b, value("300"), "Set io intermittent error degrade time 300 s"},
+    {0x5341512c, value("5000"), "Set io intermittent error degrade min io count 5000"},
+    {0x5341512d, value("20"), "Set io intermittent error degrade threshold 20"},
+    {0x5341512e, value("1900"), "Set io intermittent error degrade recovery time 1900 s"},
+    {0x5341512f, value("1800"), "Set io intermittent fault degrade time 1800 s"},
+    {0x53415130, value("3"), "Set io intermittent fault degrade threshold 3 times"},
+    {0x53415131, value("3600"), "Set io intermittent fault degrade recovery time 3600 s"},
+    {0x5341513a, value("8"), "Clear obsolete path(path id = 8)"},
+    {0x53415132, rec(101, 2, "remote,0,1"), "Set xva remote controller 0,1 (XVA ID = 2)"},
+    {0x5341513f, rec(102, 4, "balance,1"),
+     "Set dualsite workingmode(mode=balance,primary_array_id=1) for vlun id 4"},
+    {0x5341514d, rec(100, 0, "262144"), "Set dualsite split size (size=262144 *512) "},
+    {0x53415133, value(""), ""},
+    {0x53415134, value("300"), "Set high latency degraded time 300 s"},
+    {0x53415135, value("1000"), "Set high latency degraded threshold 1000 ms"},
+    {0x53415136, value("3600"), "Set high latency degraded recovery time 3600 s"},
+    {0x53415155, value("0"), "Set IO latency threshold time 0 ms"},
+    {0x53415156, value(""), "Clear I/O count"},
+    {0x53415137, value("array_id=1"), "Clear config array_id=1"},
+    {0x53415138, value("5"), "Set IO retry count to 5"},
+    {0x53415139, value("2"), "Set IO retry interval to 2 s"},
+    {0x53415160, value("30000"), "Set I/O sensitive delayed degrade threshold time 30000 ms"},
+    {0x53415161, value("120"), "Set I/O sensitive delayed degrade recovery time 120 s"},
+    {0x5341513b, value(""), "Install Corvane service"},
+    {0x5341513c, value(""), "Uninstall Corvane service"},
+    {0x5341513d, value(""), "Start Corvane service"},
+    {0x5341513e, value(""), "Stop Corvane service"},
+    {0x53415120, value(""), ""},
+    {0x53415141, value("round-robin"), "Modify LB Algorithm to round robin algorithm"},
+    {0x53415142, value(""), ""},
+    {0x53415152, value("1"), ""},
+    {0x53415153, value("1"), ""},
+    {0x53415143, value(""), ""},
+    {0x53415147, value("1"), "Set APDtoPDL feature mode=1"},
+    {0x5341514e, value("0"), "Disable AlarmEnable feature "},
+    {0x53415151, value("1"), "Enable ReliabilityEnable feature "},
+    {0x5341514f, rec(0, 2, "1"), "Enable hba ,hba id = 2)"},
+    {0x53415150, rec(0, 2, "0"), "Disable hba ,hba id = 2)"},
+    {0x53415154, value("sdb"), "Close {sdb} io suspension"},
+    {0x53415157, value(""), ""},
+    {0x53415158, value(""), "create a record I/O subprocess"},
+    {0x53415159, value(""), "Start writing performance data to report"},
+    {0x53415163, value("1,24"), "Open performance record, duration is 24 hours"},
+    {0x53415164, value("path_id=1"), "Clear path statistic path_id=1"},
+};
+
+TEST(OperDescriptions, EveryEventHasItsEnglishText)
+{
+    static_assert(std::size(kEvents) == UIL_OPER_FMT_ROWS);
+    std::set<uint32_t> seen;
+    for (const EventCase& c : kEvents) {
+        SCOPED_TRACE(testing::Message() << std::hex << c.eventId);
+        seen.insert(c.eventId);
+        Descriptions d = describe(c.eventId, c.record, " cvconfig array_id=1");
+        EXPECT_EQ(d.ret, MPI_RET_SUCCESS);
+        EXPECT_EQ(d.english, c.english);
+        ASSERT_LT(d.index, g_astUILOperLogFmt.size());
+        EXPECT_EQ(g_astUILOperLogFmt[d.index].eventId, c.eventId);
+        // A description in one language has one in the other.
+        EXPECT_EQ(d.english.empty(), d.localised.empty());
+    }
+    EXPECT_EQ(seen.size(), UIL_OPER_FMT_ROWS);
+}
+
+TEST(OperDescriptions, LevelsOfTheRows)
+{
+    const std::pair<uint32_t, uint32_t> levels[] = {
+        {0x53415101, 0}, {0x53415102, 0}, {0x5341514c, 0}, {0x53415148, 0}, {0x5341510c, 0},
+        {0x5341510b, 2}, {0x5341510e, 2}, {0x53415150, 2}, {0x53415128, 1}, {0x53415111, 1},
+    };
+    for (auto [eventId, level] : levels) {
+        Descriptions d = describe(eventId, value(""));
+        EXPECT_EQ(g_astUILOperLogFmt[d.index].level, level) << std::hex << eventId;
+    }
+}
+
+struct LocalCase {
+    uint32_t eventId;
+    UilOperLogPara record;
+    const char* command;
+    const char* localised;
+};
+
+// Expected bytes are the GB2312 encoding of the Chinese in the comments.
+const LocalCase kLocal[] = {
+    // 设置I/O超时降级时间为30秒
+    {0x53415128, value("30"), "",
+     "\xc9\xe8\xd6\xc3I/O\xb3\xac\xca\xb1\xbd\xb5\xbc\xb6\xca\xb1\xbc\xe4\xce\xaa" "30\xc3\xeb"},
+    // 开启控制器间负载均衡针对阵列ID 3
+    {0x53415101, rec(101, 3, "1"), "",
+     "\xbf\xaa\xc6\xf4\xbf\xd8\xd6\xc6\xc6\xf7\xbc\xe4\xb8\xba\xd4\xd8\xbe\xf9\xba\xe2\xd5\xeb\xb6\xd4\xd5\xf3\xc1\xd0"
+     "ID 3"},
+    // 修改负载均衡算法为最小队列深度算法
+    {0x53415103, value("min-queue-depth"), "",
+     "\xd0\xde\xb8\xc4\xb8\xba\xd4\xd8\xbe\xf9\xba\xe2\xcb\xe3\xb7\xa8\xce\xaa\xd7\xee\xd0\xa1\xb6\xd3\xc1\xd0\xc9\xee"
+     "\xb6\xc8\xcb\xe3\xb7\xa8"},
+    // 禁用物理路径(路径ID = 7)
+    {0x5341510b, rec(103, 7, "0"), "", "\xbd\xfb\xd3\xc3\xce\xef\xc0\xed\xc2\xb7\xbe\xb6(\xc2\xb7\xbe\xb6ID = 7)"},
+    // 设置物理路径(ID = 4)的I/O状态为正常
+    {0x53415113, rec(103, 4, "19"), "",
+     "\xc9\xe8\xd6\xc3\xce\xef\xc0\xed\xc2\xb7\xbe\xb6(ID = 4)\xb5\xc4I/O\xd7\xb4\xcc\xac\xce\xaa\xd5\xfd\xb3\xa3"},
+    // 清除告警(序列号=全部)
+    {0x53415114, value(""), "", "\xc7\xe5\xb3\xfd\xb8\xe6\xbe\xaf(\xd0\xf2\xc1\xd0\xba\xc5=\xc8\xab\xb2\xbf)"},
+    // 设置双活工作模式(模式=双阵列间读写，主阵列ID=1)针对VLUN ID 4
+    {0x5341513f, rec(102, 4, "balance,1"), "",
+     "\xc9\xe8\xd6\xc3\xcb\xab\xbb\xee\xb9\xa4\xd7\xf7\xc4\xa3\xca\xbd(\xc4\xa3\xca\xbd=\xcb\xab\xd5\xf3\xc1\xd0\xbc\xe4"
+     "\xb6\xc1\xd0\xb4\xa3\xac\xd6\xf7\xd5\xf3\xc1\xd0ID=1)\xd5\xeb\xb6\xd4VLUN ID 4"},
+    // (setcvconfig)写入配置
+    {0x5341510f, value(""), "setcvconfig", "(setcvconfig)\xd0\xb4\xc8\xeb\xc5\xe4\xd6\xc3"},
+    // 生成PR密钥
+    {0x53415111, value(""), "", "\xc9\xfa\xb3\xc9PR\xc3\xdc\xd4\xbf"},
+    // 设置I/O时延阈值为0毫秒
+    {0x53415155, value("0"), "",
+     "\xc9\xe8\xd6\xc3I/O\xca\xb1\xd1\xd3\xe3\xd0\xd6\xb5\xce\xaa" "0\xba\xc1\xc3\xeb"},
+};
+
+TEST(OperDescriptions, LocalisedTexts)
+{
+    for (const LocalCase& c : kLocal) {
+        EXPECT_EQ(describe(c.eventId, c.record, c.command).localised, c.localised) << std::hex << c.eventId;
+    }
+}
+
+// Values as long as a record holds: both texts are cut to 127 bytes, and
+// the Chinese one never ends in half a character.
+TEST(OperDescriptions, LongValuesAreCutCleanly)
+{
+    std::string longValue(UIL_OPER_LOG_VALUE_LEN - 1, '7');
+    std::string longPair = "1," + std::string(UIL_OPER_LOG_VALUE_LEN - 3, '8');
+    for (const UilOperLogFmt& row : g_astUILOperLogFmt) {
+        for (const std::string& v : {longValue, longPair}) {
+            SCOPED_TRACE(testing::Message() << std::hex << row.eventId << " " << v);
+            Descriptions d = describe(row.eventId, rec(102, 0xFFFFFFFF, v.c_str()), longValue.c_str());
+            EXPECT_LE(d.english.size(), UIL_OPER_DSC_LEN - 1);
+            EXPECT_LE(d.localised.size(), UIL_OPER_DSC_LEN - 1);
+            EXPECT_TRUE(convertsFromGb2312(d.localised));
+        }
+    }
+    Descriptions d = describe(0x53415124, rec(102, 3, longValue.c_str()));
+    EXPECT_EQ(d.english.size(), UIL_OPER_DSC_LEN - 1);
+    EXPECT_EQ(d.english.substr(0, 16), "Set the number (");
+}
+
+TEST(OperDescriptions, ValueWithoutTerminatorIsCutAtTheRecord)
+{
+    UilOperLogPara r{};
+    std::memset(r.szValue, '5', sizeof(r.szValue));
+    Descriptions d = describe(0x53415106, r);
+    EXPECT_EQ(d.english, "Set failback time to " + std::string(63, '5') + " s");
+}
+
+TEST(OperDescriptions, UnknownEventLeavesBothEmptyAtRowZero)
+{
+    Descriptions d = describe(0x534151ff, value("1"));
+    EXPECT_EQ(d.ret, MPI_RET_FAIL);
+    EXPECT_EQ(d.index, 0u);
+    EXPECT_EQ(d.english, "");
+    EXPECT_EQ(d.localised, "");
+}
+
+TEST(OperDescriptions, NullRecordReadsAsZeroRecord)
+{
+    char en[UIL_OPER_DSC_LEN];
+    char zh[UIL_OPER_DSC_LEN];
+    uint32_t index = 99;
+    EXPECT_EQ(UIL_GetOperDscByEventID(0x53415127, nullptr, nullptr, en, zh, &index), MPI_RET_SUCCESS);
+    EXPECT_STREQ(en, "Set io retry timeout  s ");
+}
+
+TEST(OperDescriptions, BuilderTableCoversSeventyEvents)
+{
+    std::set<uint32_t> withBuilder;
+    for (const UilOperCmdExcute& row : g_stUILCvOperCmdExcute) {
+        EXPECT_NE(row.build, nullptr);
+        withBuilder.insert(row.eventId);
+    }
+    EXPECT_EQ(withBuilder.size(), UIL_OPER_BUILDER_ROWS);
+    size_t described = 0;
+    for (const EventCase& c : kEvents) {
+        if (c.english[0] != '\0' && c.eventId != UIL_OPER_WRITE_CONFIG) {
+            ++described;
+            EXPECT_TRUE(withBuilder.count(c.eventId)) << std::hex << c.eventId;
+        }
+    }
+    EXPECT_EQ(described, UIL_OPER_BUILDER_ROWS);
+}
+
+struct ConvertCase {
+    const char* key;
+    const char* english;
+};
+
+TEST(OperConvert, WordsOfTheSwitchTables)
+{
+    const ConvertCase openClose[] = {{"1", "Open"}, {"0", "Close"}, {"01", "Unknown Str"}, {"", "Unknown Str"}};
+    for (const ConvertCase& c : openClose) {
+        EXPECT_STREQ(UIL_StrTypeConvertToStr(g_astUILOpenCloseConvert.data(), g_astUILOpenCloseConvert.size(), c.key,
+                                             UIL_LANG_ENGLISH),
+                     c.english);
+    }
+    EXPECT_STREQ(UIL_StrTypeConvertToStr(g_astUILOpenCloseConvert.data(), 2, nullptr, UIL_LANG_LOCAL), "Unknown Str");
+    EXPECT_STREQ(UIL_BoolTypeConvertToStr(g_astUILEnableDisableConvert.data(), 2, true, UIL_LANG_ENGLISH), "Enable");
+    EXPECT_STREQ(UIL_BoolTypeConvertToStr(g_astUILEnableDisableConvert.data(), 2, false, UIL_LANG_LOCAL),
+                 "\xbd\xfb\xd3\xc3");  // 禁用
+    char text[8];
+    UIL_IntTypeConvertToStr(-42, text, sizeof(text));
+    EXPECT_STREQ(text, "-42");
+    UIL_UintTypeConvertToStr(4294967295u, text, sizeof(text));
+    EXPECT_STREQ(text, "4294967");  // cut to the buffer
+}
+
+// ---------------------------------------------------------------------------
+// Serial number file.
+
+struct SerialCase {
+    const char* before;
+    uint32_t serial;
+    const char* after;
+};
+
+class OperSerial : public testing::TestWithParam<SerialCase> {};
+
+TEST_P(OperSerial, ReadsNineDigitsAndWritesOverTheStart)
+{
+    sandbox();
+    writeFile(serialFile(), GetParam().before);
+    uint32_t serial = 0;
+    ASSERT_EQ(UIL_IncreaseAndGetOperSN(&serial), MPI_RET_SUCCESS);
+    EXPECT_EQ(serial, GetParam().serial);
+    EXPECT_EQ(readAll(serialFile()), GetParam().after);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rules, OperSerial,
+                         testing::Values(SerialCase{"", 1, "1"}, SerialCase{"0", 1, "1"}, SerialCase{"99", 100, "100"},
+                                         SerialCase{"1000000000", 100000001, "1000000010"},
+                                         SerialCase{"123456789012", 123456790, "123456790012"},
+                                         SerialCase{"41\n", 42, "42\n"}, SerialCase{"abc", 1, "1bc"},
+                                         SerialCase{"0042", 43, "4342"}, SerialCase{"999999999", 1000000000, "1000000000"}));
+
+TEST(OperSerialFile, MissingFileIsNotCreated)
+{
+    sandbox();
+    fs::remove(serialFile());
+    uint32_t serial = 7;
+    EXPECT_EQ(UIL_IncreaseAndGetOperSN(&serial), MPI_RET_FAIL);
+    EXPECT_EQ(serial, 7u);
+    EXPECT_FALSE(fs::exists(serialFile()));
+    EXPECT_EQ(UIL_IncreaseAndGetOperSN(nullptr), MPI_RET_INVALID_PARAM);
+}
+
+TEST(OperSerialFile, ReplacementKeepsModeAndLeavesNoTemporaryFile)
+{
+    sandbox();
+    writeFile(serialFile(), "5");
+    fs::permissions(serialFile(), fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+    uint32_t serial = 0;
+    ASSERT_EQ(UIL_IncreaseAndGetOperSN(&serial), MPI_RET_SUCCESS);
+    EXPECT_EQ(fs::status(serialFile()).permissions() & fs::perms::all,
+              fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+    for (const auto& entry : fs::directory_iterator(logDir())) {
+        EXPECT_EQ(entry.path().filename().string().find("serial_oper."), std::string::npos) << entry.path();
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Writing lines.
+
+class OperLogFile : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        sandbox();
+        fs::remove_all(operLog());
+        writeFile(serialFile(), "41");
+        UIL_OperLogSetRetry({2, 0});
+    }
+    void TearDown() override { UIL_OperLogSetRetry(UIL_OPER_LOG_RETRY); }
+};
+
+std::string userName()
+{
+    std::string name;
+    FILE* p = popen("id -un", "r");
+    char buf[64] = {};
+    if (p != nullptr && std::fgets(buf, sizeof(buf), p) != nullptr) {
+        name = buf;
+        name.erase(name.find_last_not_of("\n") + 1);
+    }
+    if (p != nullptr) {
+        pclose(p);
+    }
+    return name;
+}
+
+TEST_F(OperLogFile, LineFormat)
+{
+    UilOperLogPara r = value("30");
+    ASSERT_EQ(UIL_OperLog("CLI", "set", " tod_time=30", 0x53415128, 1, &r), MPI_RET_SUCCESS);
+    std::vector<std::string> got = lines(readAll(operLog()));
+    ASSERT_EQ(got.size(), 1u);
+    std::regex line(R"(\[42\] \[\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\] \[([^\]]*)\] \[CLI\] \[1\] \[1396789544\] )"
+                    R"(\[set tod_time=30\] \[Set io timeout degrade time 30 s\] \[([^\]]*)\] \[1\])");
+    std::smatch m;
+    ASSERT_TRUE(std::regex_match(got[0], m, line)) << got[0];
+    EXPECT_EQ(m[1].str(), userName());
+    EXPECT_EQ(m[2].str(), "\xc9\xe8\xd6\xc3I/O\xb3\xac\xca\xb1\xbd\xb5\xbc\xb6\xca\xb1\xbc\xe4\xce\xaa" "30\xc3\xeb");
+    EXPECT_EQ(readAll(serialFile()), "42");
+}
+
+TEST_F(OperLogFile, MissingSerialFileSuppressesTheLine)
+{
+    fs::remove(serialFile());
+    UilOperLogPara r = value("30");
+    EXPECT_EQ(UIL_OperLog("CLI", "set", " tod_time=30", 0x53415128, 1, &r), MPI_RET_FAIL);
+    EXPECT_EQ(readAll(operLog()), "");
+}
+
+TEST_F(OperLogFile, UnknownEventHasEmptyDescriptionsAndLevelOfRowZero)
+{
+    ASSERT_EQ(UIL_OperLog("CLI", "set", " x", 0x53415115, 0, nullptr), MPI_RET_SUCCESS);
+    std::string text = readAll(operLog());
+    EXPECT_NE(text.find("] [CLI] [0] [1396789525] [set x] [] [] [0]\n"), std::string::npos) << text;
+}
+
+TEST_F(OperLogFile, ControlCharactersNeverSplitALine)
+{
+    UilOperLogPara r = value("a\nb");
+    ASSERT_EQ(UIL_OperLog("CLI", "set", " x=\r\n", 0x53415106, 0, &r), MPI_RET_SUCCESS);
+    std::vector<std::string> got = lines(readAll(operLog()));
+    ASSERT_EQ(got.size(), 1u);
+    EXPECT_NE(got[0].find("[set x=  ] [Set failback time to a b s]"), std::string::npos) << got[0];
+}
+
+TEST_F(OperLogFile, LogThatCannotBeOpenedIsReported)
+{
+    fs::create_directories(operLog());  // a directory where the file should be
+    EXPECT_EQ(UIL_OperLog("CLI", "set", " x", 0x53415111, 1, nullptr), UIL_OPERLOG_OPEN_FAIL);
+    EXPECT_EQ(readAll(serialFile()), "41");  // no number was used up
+    fs::remove_all(operLog());
+}
+
+TEST_F(OperLogFile, MissingLogDirectoryIsCreated)
+{
+    fs::remove_all(logDir());
+    // The directory and the log are made, but without the serial file
+    // there is no line.
+    EXPECT_EQ(UIL_OperLog("CLI", "set", " x", 0x53415111, 1, nullptr), MPI_RET_FAIL);
+    EXPECT_TRUE(fs::is_directory(logDir()));
+    EXPECT_EQ(readAll(operLog()), "");
+    writeFile(serialFile(), "1");
+    EXPECT_EQ(UIL_OperLog("CLI", "set", " x", 0x53415111, 1, nullptr), MPI_RET_SUCCESS);
+    EXPECT_EQ(lines(readAll(operLog())).size(), 1u);
+}
+
+// Writers in several processes at once: every line stays whole.
+TEST_F(OperLogFile, ConcurrentWritersNeverTearALine)
+{
+    constexpr int kWriters = 6;
+    constexpr int kLines = 40;
+    std::vector<pid_t> children;
+    for (int w = 0; w < kWriters; ++w) {
+        pid_t pid = fork();
+        ASSERT_GE(pid, 0);
+        if (pid == 0) {
+            for (int i = 0; i < kLines; ++i) {
+                UilOperLogPara r = rec(101, static_cast<uint32_t>(w), std::string(50, static_cast<char>('a' + w)).c_str());
+                (void)UIL_OperLog("CLI", "set", " hold", 0x53415107, 1, &r);
+            }
+            _exit(0);
+        }
+        children.push_back(pid);
+    }
+    for (pid_t pid : children) {
+        int status = 0;
+        ASSERT_EQ(waitpid(pid, &status, 0), pid);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+    std::vector<std::string> got = lines(readAll(operLog()));
+    ASSERT_EQ(got.size(), static_cast<size_t>(kWriters * kLines));
+    std::regex whole(R"(\[\d+\] \[[^\]]+\] \[[^\]]*\] \[CLI\] \[1\] \[1396789511\] \[set hold\] )"
+                     R"(\[Set hold on time to ([a-f])\1{49} s for array id \d\] \[[^\]]+\] \[1\])");
+    for (const std::string& l : got) {
+        EXPECT_TRUE(std::regex_match(l, whole)) << l;
+    }
+    // The serial file always holds a number, whatever the interleaving.
+    std::string serial = readAll(serialFile());
+    EXPECT_TRUE(std::regex_match(serial, std::regex(R"(\d+)"))) << serial;
+}
+
+// ---------------------------------------------------------------------------
+// Reading back.
+
+TEST_F(OperLogFile, ReadingBackKeepsWellFormedLinesInOrder)
+{
+    UilOperLogPara r = value("600");
+    ASSERT_EQ(UIL_OperLog("CLI", "set", " tod_time=600", 0x53415128, 1, &r), MPI_RET_SUCCESS);
+    std::ofstream(operLog(), std::ios::app)
+        << "[7] [2020-01-02 03:04:05] [root] [CLI] [1] [1396789521] [set genprkey] [Generate PR key] [zh]\n"  // 9 fields
+        << "[8] [only] [three]\n"                                                                            // dropped
+        << "[1][2][3][4][5][6][7][8][9][10][11][12]\n"                                                        // too many
+        << "garbage without brackets\n";
+    ASSERT_EQ(UIL_OperLog("CLI", "clear", " io_count", 0x53415156, 0, nullptr), MPI_RET_SUCCESS);
+
+    MPI_ListNode head;
+    uint32_t count = 0;
+    ASSERT_EQ(INTF_UIL_EnumerateOperLogStart(&head, &count), MPI_RET_SUCCESS);
+    ASSERT_EQ(count, 3u);
+    std::vector<const UilOperLogEntry*> entries;
+    for (MPI_ListNode* n = head.next; n != &head; n = n->next) {
+        entries.push_back(MPI_LIST_ENTRY(n, UilOperLogEntry, links));
+    }
+    ASSERT_EQ(entries.size(), 3u);
+    EXPECT_EQ(entries[0]->serial, 42u);
+    EXPECT_STREQ(entries[0]->source, "CLI");
+    EXPECT_EQ(entries[0]->level, 1u);
+    EXPECT_EQ(entries[0]->eventId, 0x53415128u);
+    EXPECT_STREQ(entries[0]->command, "set tod_time=600");
+    EXPECT_STREQ(entries[0]->english, "Set io timeout degrade time 600 s");
+    EXPECT_EQ(entries[0]->hasResult, 1u);
+    EXPECT_EQ(entries[0]->result, 1u);
+    EXPECT_EQ(std::strlen(entries[0]->date), 19u);
+
+    EXPECT_EQ(entries[1]->serial, 7u);
+    EXPECT_STREQ(entries[1]->date, "2020-01-02 03:04:05");
+    EXPECT_STREQ(entries[1]->user, "root");
+    EXPECT_STREQ(entries[1]->localised, "zh");
+    EXPECT_EQ(entries[1]->hasResult, 0u);
+
+    EXPECT_EQ(entries[2]->serial, 43u);
+    EXPECT_STREQ(entries[2]->command, "clear io_count");
+    EXPECT_STREQ(entries[2]->english, "Clear I/O count");
+    EXPECT_EQ(entries[2]->result, 0u);
+    INTF_UIL_EnumerateOperLogEnd(&head);
+    EXPECT_TRUE(MPI_ListEmpty(&head));
+}
+
+TEST_F(OperLogFile, ReadingAnEmptyOrMissingLog)
+{
+    MPI_ListNode head;
+    uint32_t count = 9;
+    EXPECT_EQ(INTF_UIL_EnumerateOperLogStart(&head, &count), UIL_OPERLOG_OPEN_FAIL);
+    EXPECT_TRUE(MPI_ListEmpty(&head));
+    writeFile(operLog(), "");
+    EXPECT_EQ(INTF_UIL_EnumerateOperLogStart(&head, &count), MPI_RET_NOT_FOUND);
+    EXPECT_EQ(count, 0u);
+    INTF_UIL_EnumerateOperLogEnd(&head);
+    EXPECT_EQ(INTF_UIL_EnumerateOperLogStart(nullptr, &count), MPI_RET_INVALID_PARAM);
+}
+
+}  // namespace
