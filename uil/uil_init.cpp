@@ -1,5 +1,6 @@
 #include "uia/uia.h"
 #include "uil/uil.h"
+#include "uil/uil_cfg.h"
 
 uint32_t INTF_UIL_Init()
 {
@@ -7,12 +8,17 @@ uint32_t INTF_UIL_Init()
     if (UIL_LogInit() != MPI_RET_SUCCESS) {
         return UIL_TRACE_INIT_FAIL;
     }
+    uint32_t rc = UIL_CfgInit();
+    if (rc != MPI_RET_SUCCESS) {
+        return rc;
+    }
     return INTF_UIA_Init();
 }
 
 void INTF_UIL_Fini()
 {
     INTF_UIA_Fini();
+    UIL_CfgFini();
     UIL_LogFini();
 }
 

@@ -1,0 +1,323 @@
+// Changing the configuration: the driver messages, setting a value in the
+// open document, the whole changes (lock, set, tell the driver, save) and
+// deletion. The driver always hears of a change before the file holds it,
+// and a change the driver refuses is never saved.
+#include <cstring>
+
+#include "bounded/bounded.h"
+#include "uil/uil_cfg_int.h"
+
+namespace {
+
+const char* orEmpty(const char* text) { return text != nullptr ? text : ""; }
+
+void putItem(UiaPayload& p, size_t index, const char* name, const char* value)
+{
+    size_t base = uil_cfg_wire::kNotifyItems + uil_cfg_wire::kItemSize * index;
+    p.setText(base + uil_cfg_wire::kItemName, UIL_CFG_ITEM_NAME_LEN, name);
+    p.setText(base + uil_cfg_wire::kItemValue, UIL_CFG_ITEM_VALUE_LEN, value);
+}
+
+UiaPayload notifyPayload(uint32_t sectionType, const char* instance, size_t count)
+{
+    UiaPayload p(uil_cfg_wire::NotifySize(count));
+    p.setU32(uil_cfg_wire::kNotifyType, sectionType);
+    p.setText(uil_cfg_wire::kNotifyInstance, uil_cfg_wire::kInstanceLen, orEmpty(instance));
+    p.setU32(uil_cfg_wire::kNotifyCount, static_cast<uint32_t>(count));
+    return p;
+}
+
+// The child element of `parent` named exactly `name`, or null.
+xmlNode* childElement(xmlNode* parent, const char* name)
+{
+    for (xmlNode* child = parent->children; child != nullptr; child = child->next) {
+        if (child->type == XML_ELEMENT_NODE && std::strcmp(UIL_XmlName(child), name) == 0) {
+            return child;
+        }
+    }
+    return nullptr;
+}
+
+// Creates the elements of `path` that are missing, from the root down.
+uint32_t createNodePath(uint32_t sectionType, const UilCfgNodePath& path, const char* item)
+{
+    xmlNode* node = UIL_CfgRoot();
+    for (uint32_t i = 0; i < path.uiDepth; ++i) {
+        xmlNode* child = childElement(node, path.apszNames[i]);
+        if (child == nullptr) {
+            child = xmlNewChild(node, nullptr, UIL_XmlStr(path.apszNames[i]), nullptr);
+        }
+        if (child == nullptr) {
+            UIL_ERR("New child node %s under %s failed", path.apszNames[i], UIL_XmlName(node));
+            UIL_ERR("Cfg node <%u,%s> not exist", sectionType, item);
+            return MPI_RET_FAIL;
+        }
+        node = child;
+    }
+    return MPI_RET_SUCCESS;
+}
+
+uint32_t setItemText(const char* xpath, const char* value)
+{
+    xmlNode* node = nullptr;
+    if (UIL_CfgFindNode(xpath, &node) != MPI_RET_SUCCESS) {
+        UIL_ERR("Query node of %s from XML failed", xpath);
+        return MPI_RET_FAIL;
+    }
+    UilXmlText old = UIL_CfgNodeText(node);
+    if (old == nullptr) {
+        UIL_ERR("Get content of node %s failed", xpath);
+        return MPI_RET_FAIL;
+    }
+    if (std::strcmp(reinterpret_cast<const char*>(old.get()), value) == 0) {
+        UIL_TRACE(MPI_LOG_INFO, "Try to set the same cfg value %s to node %s", value, xpath);
+        return MPI_RET_SUCCESS;
+    }
+    return UIL_CfgSetNodeText(node, value) ? MPI_RET_SUCCESS : MPI_RET_FAIL;
+}
+
+// What a whole change or a deletion is about, for its messages: "common
+// cfg", "array (SN) cfg", "lun (WWN) cfg".
+struct Level {
+    uint32_t type;
+    const char* section;  // "array", "lun"
+    bool unlockWhenRefused;  // the array changes drop the lock when the driver refuses
+};
+constexpr Level kCommon{UIL_CFG_SECTION_COMMON, "common", false};
+constexpr Level kArray{UIL_CFG_SECTION_ARRAY, "array", true};
+constexpr Level kLun{UIL_CFG_SECTION_LUN, "lun", false};
+
+struct What {
+    char text[UIL_CFG_XPATH_LEN];
+    What(const Level& level, const char* key)
+    {
+        if (level.type == UIL_CFG_SECTION_COMMON) {
+            (void)snprintf_s(text, sizeof(text), sizeof(text) - 1, "common cfg");
+        } else {
+            (void)snprintf_s(text, sizeof(text), sizeof(text) - 1, "%s (%s) cfg", level.section, key);
+        }
+    }
+};
+
+uint32_t setWhole(const Level& level, const char* key, const char* item, const char* value, bool notify)
+{
+    UIL_ASSERT(item != nullptr && value != nullptr);
+    What what(level, key);
+    uint32_t rc = UIL_CfgOpenFile(true);
+    if (rc != MPI_RET_SUCCESS) {
+        UIL_ERR("Init XML cfg file failed");
+        return rc;
+    }
+    if (UIL_SetConfig(level.type, key, item, value) != MPI_RET_SUCCESS) {
+        UIL_ERR("Set %s <%s=%s> failed", what.text, item, value);
+        (void)UIL_CfgCloseFile(false);
+        (void)UIL_CfgUnlockFile();
+        return MPI_RET_FAIL;
+    }
+    if (notify && UIL_CfgNotifyItemToDriver(level.type, key, item, value) != MPI_RET_SUCCESS) {
+        UIL_ERR("Notify %s <%s=%s> to driver failed", what.text, item, value);
+        (void)UIL_CfgCloseFile(false);
+        if (level.unlockWhenRefused) {
+            (void)UIL_CfgUnlockFile();
+        }
+        return MPI_RET_FAIL;
+    }
+    if (UIL_CfgCloseFile(true) != MPI_RET_SUCCESS) {
+        UIL_ERR("Save xml file failed");
+        return MPI_RET_FAIL;
+    }
+    return MPI_RET_SUCCESS;
+}
+
+// Finds and removes the item (or with no item the instance): 1024 removed,
+// 1056 absent, 1030 the expression failed.
+uint32_t removeNode(uint32_t sectionType, const char* key, const char* item)
+{
+    const UilCfgParseStep* step = UIL_CfgGetParseStep(sectionType);
+    char xpath[UIL_CFG_XPATH_LEN];
+    if (step == nullptr || step->pfBuildItemXPath(key, item, xpath, sizeof(xpath)) != MPI_RET_SUCCESS) {
+        return MPI_RET_FAIL;
+    }
+    xmlNode* node = nullptr;
+    uint32_t rc = UIL_CfgFindNode(xpath, &node);
+    if (rc == MPI_RET_SUCCESS) {
+        UIL_CfgDeleteNode(node);
+    }
+    return rc == MPI_RET_SUCCESS || rc == UIL_RET_CFG_NOT_FOUND ? rc : MPI_RET_FAIL;
+}
+
+uint32_t deleteConfig(const Level& level, uint32_t objectId, const char* key, const char* item,
+                      UilOperLogPara* objectRecord)
+{
+    UIL_ASSERT(key != nullptr && objectRecord != nullptr);
+    (void)memset_s(objectRecord, sizeof(*objectRecord), 0, sizeof(*objectRecord));
+    objectRecord->uiObjType = level.type;
+    objectRecord->uiObjId = objectId;
+
+    uint32_t rc = UIL_CfgOpenFile(true);
+    if (rc != MPI_RET_SUCCESS) {
+        UIL_ERR("Init XML cfg file failed");
+        return rc;
+    }
+    rc = removeNode(level.type, key, item);
+    if (rc != MPI_RET_SUCCESS) {
+        if (rc == UIL_RET_CFG_NOT_FOUND) {
+            UIL_TRACE(MPI_LOG_INFO, "%s cfg (%s) is not found", level.section, key);
+        } else {
+            UIL_ERR("Delete %s cfg (%s) failed", level.section, key);
+        }
+        (void)UIL_CfgCloseFile(false);
+        (void)UIL_CfgUnlockFile();
+        return rc == UIL_RET_CFG_NOT_FOUND ? MPI_RET_SUCCESS : MPI_RET_FAIL;
+    }
+    if (UIL_CfgDelFromDriver(level.type, key, item) != MPI_RET_SUCCESS) {
+        UIL_ERR("Notify driver to delete %s cfg (%s) failed", level.section, key);
+        (void)UIL_CfgCloseFile(false);
+        (void)UIL_CfgUnlockFile();
+        return MPI_RET_FAIL;
+    }
+    if (UIL_CfgCloseFile(true) != MPI_RET_SUCCESS) {
+        UIL_ERR("Save xml file failed");
+        return MPI_RET_FAIL;
+    }
+    return MPI_RET_SUCCESS;
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------
+// Driver messages.
+
+uint32_t UIL_CfgNotifyItemToDriver(uint32_t sectionType, const char* instance, const char* item, const char* value)
+{
+    UIL_ASSERT(item != nullptr && value != nullptr);
+    UiaPayload p = notifyPayload(sectionType, instance, 1);
+    putItem(p, 0, item, value);
+    uint32_t rc = UIL_CfgSend(uia_req::CfgNotify, p);
+    if (rc != MPI_RET_SUCCESS) {
+        UIL_ERR("Send set cfg <%s = %s> to driver failed", item, value);
+        return rc;
+    }
+    UIL_TRACE(MPI_LOG_INFO, "Send set cfg <%s = %s> to driver succ", item, value);
+    return MPI_RET_SUCCESS;
+}
+
+uint32_t UIL_CfgNotifySectionToDriver(MPI_ListNode* itemList, uint32_t sectionType, const char* instance)
+{
+    UIL_ASSERT(itemList != nullptr);
+    size_t count = 0;
+    for (MPI_ListNode* n = itemList->next; n != itemList; n = n->next) {
+        ++count;
+    }
+    if (count == 0) {
+        UIL_TRACE(MPI_LOG_INFO, "The cfg to notify driver is empty");
+        return MPI_RET_SUCCESS;
+    }
+    UiaPayload p = notifyPayload(sectionType, instance, count);
+    size_t index = 0;
+    for (MPI_ListNode* n = itemList->next; n != itemList; n = n->next) {
+        const UilUserCfgItem* item = MPI_LIST_ENTRY(n, UilUserCfgItem, links);
+        putItem(p, index++, item->szName, item->szValue);
+    }
+    uint32_t rc = UIL_CfgSend(uia_req::CfgNotify, p);
+    if (rc != MPI_RET_SUCCESS) {
+        UIL_ERR("Send cfg type(%u, %s) to driver failed", sectionType, orEmpty(instance));
+        return rc;
+    }
+    UIL_TRACE(MPI_LOG_INFO, "Send cfg type(%u, %s) to driver succ", sectionType, orEmpty(instance));
+    return MPI_RET_SUCCESS;
+}
+
+uint32_t UIL_CfgDelFromDriver(uint32_t sectionType, const char* instance, const char* item)
+{
+    UiaPayload p(uil_cfg_wire::kDelSize);
+    p.setU32(uil_cfg_wire::kDelType, sectionType);
+    p.setText(uil_cfg_wire::kDelInstance, uil_cfg_wire::kInstanceLen, orEmpty(instance));
+    p.setText(uil_cfg_wire::kDelItem, UIL_CFG_ITEM_NAME_LEN, orEmpty(item));
+    uint32_t rc = UIL_CfgSend(uia_req::CfgDelete, p);
+    if (rc != MPI_RET_SUCCESS) {
+        UIL_ERR("Notify driver to delete <%u,%s> failed", sectionType, orEmpty(item));
+        return rc;
+    }
+    UIL_TRACE(MPI_LOG_INFO, "Notify driver to delete <%u,%s> succ", sectionType, orEmpty(item));
+    return MPI_RET_SUCCESS;
+}
+
+// ---------------------------------------------------------------------------
+// Setting.
+
+uint32_t UIL_SetConfig(uint32_t sectionType, const char* instance, const char* item, const char* value)
+{
+    UIL_ASSERT(item != nullptr && value != nullptr);
+    const UilCfgItemDef* def = UIL_CfgGetItemDef(item, sectionType);
+    if (def == nullptr) {
+        UIL_ERR("Cfg node %s isn't the valid item, or not belong to common region", item);
+        return MPI_RET_FAIL;
+    }
+    if (!UIL_CfgCheckItemValue(value, def)) {
+        UIL_ERR("%s isn't valid for item %s", value, item);
+        return MPI_RET_FAIL;
+    }
+    if (UIL_CfgRoot() == nullptr) {
+        UIL_ERR("No cfg file is open");
+        return MPI_RET_FAIL;
+    }
+    const UilCfgParseStep* step = UIL_CfgGetParseStep(sectionType);
+    UilCfgNodePath path{};
+    if (step->pfBuildNodePath(orEmpty(instance), item, &path) != MPI_RET_SUCCESS) {
+        UIL_ERR("Build XML node path for type(%u) failed", sectionType);
+        return MPI_RET_FAIL;
+    }
+    uint32_t rc = createNodePath(sectionType, path, item);
+    step->pfFreeNodePath(&path);
+    if (rc != MPI_RET_SUCCESS) {
+        return MPI_RET_FAIL;
+    }
+    char xpath[UIL_CFG_XPATH_LEN];
+    rc = step->pfBuildItemXPath(orEmpty(instance), item, xpath, sizeof(xpath));
+    if (rc == MPI_RET_SUCCESS) {
+        rc = setItemText(xpath, value);
+    }
+    if (rc != MPI_RET_SUCCESS) {
+        UIL_ERR("Set <%u,%s> value to %s failed", sectionType, item, value);
+        return MPI_RET_FAIL;
+    }
+    return MPI_RET_SUCCESS;
+}
+
+uint32_t UIL_SetCommonConfig(const char* item, const char* value) { return setWhole(kCommon, "", item, value, true); }
+
+uint32_t UIL_SetArrayConfig(const char* serialNumber, const char* item, const char* value)
+{
+    UIL_ASSERT(serialNumber != nullptr);
+    return setWhole(kArray, serialNumber, item, value, true);
+}
+
+uint32_t UIL_SetLunConfig(const char* wwn, const char* item, const char* value)
+{
+    UIL_ASSERT(wwn != nullptr);
+    return setWhole(kLun, wwn, item, value, true);
+}
+
+uint32_t UIL_SetArrayConfigFile(const char* serialNumber, const char* item, const char* value)
+{
+    UIL_ASSERT(serialNumber != nullptr);
+    return setWhole(kArray, serialNumber, item, value, false);
+}
+
+// ---------------------------------------------------------------------------
+// Deleting.
+
+uint32_t INTF_UIL_DelArrayConfig(const char* source, uint32_t arrayId, const char* serialNumber, const char* item,
+                                 UilOperLogPara* objectRecord)
+{
+    UIL_ASSERT(source != nullptr);
+    return deleteConfig(kArray, arrayId, serialNumber, item, objectRecord);
+}
+
+uint32_t INTF_UIL_DelLunConfig(const char* source, uint32_t vlunId, const char* wwn, const char* item,
+                               UilOperLogPara* objectRecord)
+{
+    UIL_ASSERT(source != nullptr);
+    return deleteConfig(kLun, vlunId, wwn, item, objectRecord);
+}
