@@ -7,10 +7,15 @@
 
 namespace cvsim {
 
+uint32_t HandleCfgNotify(SimContext& ctx, SimPayload& p);  // model_config.cpp
+uint32_t HandleCfgDelete(SimContext& ctx, SimPayload& p);  // model_config.cpp
+
 namespace {
 
 constexpr std::array kRequests = {
     SimRequestRow{1, 12, HandleVersion, kNoCountField},
+    SimRequestRow{70, 140, HandleCfgNotify, kNoCountField},
+    SimRequestRow{71, 72, HandleCfgDelete, kNoCountField},
     SimRequestRow{100, 64, HandleWorkerTable, 4},
 };
 
