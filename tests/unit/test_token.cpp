@@ -21,22 +21,16 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Trace lines go beneath a private root, chosen before the first line is written.
-const std::string g_sandbox = [] {
-    std::string dir = fs::temp_directory_path() / ("cvadm-token-" + std::to_string(getpid()));
-    fs::remove_all(dir);
-    fs::create_directories(dir);
-    setenv("CVADM_ROOT", dir.c_str(), 1);
-    return dir;
-}();
-
-struct SandboxRemover {
-    ~SandboxRemover() { fs::remove_all(g_sandbox); }
-} g_sandboxRemover;
+// The test main gives every run a sandbox root of its own.
+const std::string& sandboxRoot()
+{
+    static const std::string root = std::getenv("CVADM_ROOT");
+    return root;
+}
 
 std::string traceText()
 {
-    std::ifstream in(g_sandbox + "/opt/Corvane/log/cli_uil_log.txt");
+    std::ifstream in(sandboxRoot() + "/opt/Corvane/log/cli_uil_log.txt");
     std::stringstream text;
     text << in.rdbuf();
     return text.str();
