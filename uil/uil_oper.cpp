@@ -169,13 +169,16 @@ bool writeAll(int fd, const std::string& data)
 Fd openSerialFile(const std::string& path)
 {
     // The file is never created here: without it there is no line at all.
+    int openErrno = 0;
     for (uint32_t attempt = 0; attempt < g_stOperLogRetry.attempts; ++attempt) {
         Fd fd(open(path.c_str(), O_RDWR | O_CLOEXEC));
         if (fd) {
             return fd;
         }
+        openErrno = errno;
         makeLogDir();
     }
+    errno = openErrno;
     return Fd();
 }
 
