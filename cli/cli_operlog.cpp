@@ -1,0 +1,40 @@
+#include "cli/cli_operlog.h"
+
+#include <string>
+
+#include "bounded/bounded.h"
+#include "cli/cli.h"
+
+namespace {
+
+constexpr const char kSource[] = "CLI";
+// Seven words of at most 63 characters, each with its blank.
+constexpr size_t kCommandLen = 7 * 64 + 1;
+
+}  // namespace
+
+void MPCLI_BuildCommandText(uint32_t argc, char** argv, char* out, size_t size)
+{
+    CLI_ASSERT(out != NULL);
+    if (size == 0) {
+        return;
+    }
+    std::string text;
+    for (uint32_t i = 0; argv != nullptr && i < argc; ++i) {
+        if (argv[i] != nullptr) {
+            text += ' ';
+            text += argv[i];
+        }
+    }
+    (void)strncpy_s(out, size, text.c_str(), size - 1);
+}
+
+void MPCLI_OperLog(const char* verb, uint32_t argc, char** argv, uint32_t eventId, uint8_t result,
+                   const UilOperLogPara* record)
+{
+    char command[kCommandLen];
+    MPCLI_BuildCommandText(argc, argv, command, sizeof(command));
+    if (UIL_OperLog(kSource, verb, command, eventId, result, record) == UIL_OPERLOG_OPEN_FAIL) {
+        MPCLI_Print("Warn: Open oper log file fail.\n");
+    }
+}

@@ -1,0 +1,18 @@
+// The operation-log line of a command run from the shell.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "uil/uil_oper.h"
+
+// The command text of the line: each word after the verb, each preceded by
+// a blank (" tod_time=30"), cut to what `out` holds.
+void MPCLI_BuildCommandText(uint32_t argc, char** argv, char* out, size_t size);
+
+// Writes the line for a command of the shell (source "CLI"): `verb` ("set",
+// "clear", ...), the words after the verb, the event, the result flag (1
+// succeeded, 0 failed) and the record (null: an all-zero record). A log
+// that cannot be opened costs the operator a warning, never the command.
+void MPCLI_OperLog(const char* verb, uint32_t argc, char** argv, uint32_t eventId, uint8_t result,
+                   const UilOperLogPara* record);
