@@ -6,6 +6,7 @@
 
 #include "cli/cli.h"
 #include "cli/cli_helptext.h"
+#include "cli/cli_operlog.h"
 #include "uil/uil.h"
 #include "uil/uil_status.h"
 
@@ -167,7 +168,7 @@ uint8_t MPCLI_ShowVersion(uint32_t argc, char** argv)
     return MPCLI_RESULT_OK;
 }
 
-uint8_t MPCLI_GenClusterKey(uint32_t argc, char** /*argv*/)
+uint8_t MPCLI_GenClusterKey(uint32_t argc, char** argv)
 {
     if (argc > 1) {
         MPCLI_Print("Error: Invalid input!\n Usage:\n    -- genprkey\n");
@@ -177,6 +178,7 @@ uint8_t MPCLI_GenClusterKey(uint32_t argc, char** /*argv*/)
     (void)INTF_UIL_GenClusterKey(key, sizeof(key));
     MPCLI_Print("%s\n", key);
     UIL_TRACE(MPI_LOG_INFO, "Generate pr key {%s} execute succeed", key);
+    MPCLI_OperLog("set", argc, argv, UIL_OPER_GEN_PRKEY, MPCLI_RESULT_OK, nullptr);
     return MPCLI_RESULT_OK;
 }
 
