@@ -8,3 +8,12 @@ cv() { "$CVADM_SIM" "$@"; }
 tracelog() { sed -E 's/^\[[^]]*\] //' "$CVADM_ROOT/opt/Corvane/log/cli_uil_log.txt"; }
 # Request log lines, without the payload bytes.
 requests() { sed -E 's/ in=.*//' "$CVADM_ROOT/sim/requests.log"; }
+# The full usage text, as `help` prints it; `cvu` runs a command and shows
+# its output with that text folded to "<usage>", then its exit status.
+cv help > "$PWD/usage.txt"
+fold_usage() {
+  /usr/bin/python3 -c 'import sys; u = open(sys.argv[1]).read(); sys.stdout.write(sys.stdin.read().replace(u, "<usage>\n"))' "$PWD/usage.txt"
+}
+cvu() { cv "$@" > "$PWD/out.txt"; local rc=$?; fold_usage < "$PWD/out.txt"; echo "[$rc]"; }
+# Runs the prompt on the given lines.
+prompt() { printf '%s\n' "$@" | cv > "$PWD/out.txt"; local rc=$?; fold_usage < "$PWD/out.txt"; echo "[$rc]"; }
