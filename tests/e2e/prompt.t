@@ -81,3 +81,16 @@ End of input ends the session like quit:
   
   Corvane CLI #0 >
   [0]
+
+Ctrl-C at the prompt prints a newline and ends the process with status 0:
+
+  $ mkfifo keys
+  $ "$CVADM_SIM" < keys > ctrlc.txt & pid=$!
+  $ exec 3> keys
+  $ for i in $(seq 50); do grep -q '#0 >' ctrlc.txt && break; sleep 0.1; done
+  $ kill -INT $pid; wait $pid; echo "[$?]"
+  [0]
+  $ exec 3>&-
+  $ cat ctrlc.txt
+  
+  Corvane CLI #0 >
