@@ -27,6 +27,7 @@ struct LoadedDriver {
     std::string root;
     bool loaded = false;
     Json driver;
+    SimObjectsPtr objects;  // read from `driver` at first use
 };
 
 LoadedDriver& Loaded()
@@ -86,6 +87,7 @@ Json& DriverState(const SimPaths& paths)
     } else {
         throw SimError("no topology at " + paths.topology + "; run cvadm-sim --setup");
     }
+    l.objects.reset();
     l.root = paths.root;
     l.loaded = true;
     return l.driver;
@@ -180,7 +182,7 @@ Outcome Answer(const SimPaths& paths, const SimCode& c, const SimRequestRow& row
         }
     }
     Json& driver = DriverState(paths);
-    SimContext ctx(driver);
+    SimContext ctx(driver, &Loaded().objects);
     uint32_t result = row.handler(ctx, payload);
     if (faulted && fault.kind == FaultKind::Count) {
         if (row.countOffset == kNoCountField) {

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
+#include <memory>
 #include <optional>
 #include <span>
 #include <stdexcept>
@@ -76,27 +77,47 @@ private:
 };
 
 // ---------------------------------------------------------------------------
+// The storage objects read from the driver document (model_objects.h).
+class SimObjects;
+using SimObjectsPtr = std::shared_ptr<const SimObjects>;
+
 // What a handler sees of the driver: its state document (the topology as
 // first loaded, then whatever the requests changed) and the clock.
 class SimContext {
 public:
-    explicit SimContext(Json& driver) : m_driver(driver) {}
+    // `objects` keeps the storage objects read from `driver` from one
+    // request to the next (the process keeps one slot per document);
+    // without it the context reads them for itself.
+    explicit SimContext(Json& driver, SimObjectsPtr* objects = nullptr)
+        : m_driver(driver), m_objects(objects != nullptr ? objects : &m_ownObjects)
+    {
+    }
+    SimContext(const SimContext&) = delete;
+    SimContext& operator=(const SimContext&) = delete;
 
     const Json& driver() const { return m_driver; }
     // For requests that change the driver: the state is saved after the
     // request. Check the request fully before changing anything: a handler
     // that fails half-way leaves its changes in this process's state.
+    // The storage objects are read again at their next use; a handler's
+    // own SimObjectsPtr stays the snapshot it took.
     Json& changeDriver()
     {
         m_changed = true;
+        m_objects->reset();
         return m_driver;
     }
     bool changed() const { return m_changed; }
     // Read once per request, so every time in one answer agrees.
     std::time_t now();
+    // The arrays, paths, disks, VLUNs and HBAs of the driver document,
+    // indexed by ID (model_objects.cpp).
+    SimObjectsPtr objects();
 
 private:
     Json& m_driver;
+    SimObjectsPtr m_ownObjects;
+    SimObjectsPtr* m_objects;
     std::optional<std::time_t> m_now;
     bool m_changed = false;
 };

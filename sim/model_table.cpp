@@ -2,6 +2,7 @@
 // (part of the request code) and handler. A request code whose size does
 // not match its row is refused, which catches a wrong code in the program.
 #include "model.h"
+#include "model_objects.h"
 
 #include <array>
 
@@ -14,8 +15,29 @@ namespace {
 
 constexpr std::array kRequests = {
     SimRequestRow{1, 12, HandleVersion, kNoCountField},
+    // Storage objects: the count offset is that of the count the answer
+    // carries before its IDs.
+    SimRequestRow{0x0b, 16, HandleArrayIds, 8},
+    SimRequestRow{0x0c, 444, HandleArrayInfo, kNoCountField},
+    SimRequestRow{0x0d, 444, HandleSyncArrayInfo, kNoCountField},
+    SimRequestRow{0x15, 24, HandleArrayDiskIds, 16},
+    SimRequestRow{0x16, 24, HandlePhyPathDiskIds, 16},
+    SimRequestRow{0x17, 544, HandleDiskInfo, kNoCountField},
+    SimRequestRow{0x19, 20, HandleArrayVlunIds, 12},
+    SimRequestRow{0x1f, 16, HandleLogicalPathIds, 8},
+    SimRequestRow{0x20, 1080, HandleLogicalPathInfo, kNoCountField},
+    SimRequestRow{0x29, 20, HandlePhyPathIds, 12},
+    SimRequestRow{0x2a, 1080, HandlePhyPathInfo, kNoCountField},
+    SimRequestRow{0x2c, 848, HandleHbaPathIds, 4},
+    SimRequestRow{0x3c, 16, HandleTpgIds, 8},
+    SimRequestRow{0x3d, 28, HandleTpgInfo, 16},
+    SimRequestRow{0x3e, 28, HandleTpgName, kNoCountField},
+    SimRequestRow{0x40, 256, HandleHbaByWwn, kNoCountField},
+    SimRequestRow{0x41, 256, HandleHbaById, kNoCountField},
+    SimRequestRow{0x42, 12, HandleHbaIds, 4},
     SimRequestRow{70, 140, HandleCfgNotify, kNoCountField},
     SimRequestRow{71, 72, HandleCfgDelete, kNoCountField},
+    SimRequestRow{0x5f, 84, HandleVlunInfo, 60},  // member count and member disks
     SimRequestRow{100, 64, HandleWorkerTable, 4},
 };
 
