@@ -19,10 +19,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Traces go beneath a private root, never to the host's log directory.
+// Traces go beneath the run's sandbox root, never to the host's log directory.
 const std::string& sandbox()
 {
-    static const std::string root = [] {
+    static const std::string root = []() -> std::string {
+        if (const char* given = std::getenv("CVADM_ROOT")) {
+            return given;
+        }
         std::string dir = fs::temp_directory_path() / ("cvadm-objrules-" + std::to_string(getpid()));
         fs::remove_all(dir);
         fs::create_directories(dir);
