@@ -368,23 +368,6 @@ TEST_F(SetCfg, RangeOfEveryHostSetting)
     }
 }
 
-// The shell checks a value with the store before it sets it; the keys it
-// uses answer the same ranges.
-TEST(SetCfgCheck, ShellChecksMatchTheSetters)
-{
-    for (const RangeCase& c : kRanges) {
-        SCOPED_TRACE(c.item);
-        EXPECT_TRUE(INTF_UIL_CheckCfgValid(c.item, c.min));
-        EXPECT_TRUE(INTF_UIL_CheckCfgValid(c.item, c.max));
-        EXPECT_FALSE(INTF_UIL_CheckCfgValid(c.item, c.above));
-        if (c.below != nullptr) {
-            EXPECT_FALSE(INTF_UIL_CheckCfgValid(c.item, c.below));
-        }
-    }
-    // The keywords typed in the shell are not item names.
-    EXPECT_FALSE(INTF_UIL_CheckCfgValid("tod_recovery_time", "1800"));
-}
-
 // ---------------------------------------------------------------------------
 // APD-to-PDL, switches and dual-site words.
 
