@@ -390,7 +390,8 @@ void UIL_SortVLunListByVLunID(MPI_ListNode* head)
     for (MPI_ListNode* node = head->next; node != head; node = node->next) {
         all.push_back(MPI_LIST_ENTRY(node, VLunInfo, links));
     }
-    std::stable_sort(all.begin(), all.end(), [](const VLunInfo* a, const VLunInfo* b) { return a->vlunId < b->vlunId; });
+    std::stable_sort(all.begin(), all.end(),
+                     [](const VLunInfo* a, const VLunInfo* b) { return a->vlunId < b->vlunId; });
     MPI_ListInit(head);
     for (VLunInfo* v : all) {
         MPI_ListAddTail(&v->links, head);

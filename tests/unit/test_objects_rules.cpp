@@ -395,8 +395,10 @@ TEST_F(ObjectRules, DiskDetailStatus)
         uint32_t paths;
         V after;
     } cases[] = {
-        {"one normal path is enough", {{"Fault", "Fault"}, {"Normal"}}, 0, "Normal", 3, {"Fault", "Fault", "Normal"}},
-        {"busy logical path degrades", {{"BUSY degradation"}, {"Fault"}}, 0, "Degraded", 2, {"BUSY degradation", "Fault"}},
+        {"one normal path is enough", {{"Fault", "Fault"}, {"Normal"}}, 0, "Normal", 3,
+         {"Fault", "Fault", "Normal"}},
+        {"busy logical path degrades", {{"BUSY degradation"}, {"Fault"}}, 0, "Degraded", 2,
+         {"BUSY degradation", "Fault"}},
         {"potential fault degrades", {{"Potential fault degradation"}}, 0, "Degraded", 1, {"Potential fault degradation"}},
         {"sensitive delay degrades", {{"Disable", "Sensitive delayed degradation"}}, 0, "Degraded", 2,
          {"Disable", "Sensitive delayed degradation"}},

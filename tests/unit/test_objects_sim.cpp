@@ -716,28 +716,58 @@ TEST_F(ObjectsSim, RefusedRequestsGiveTheStatedCodes)
         EXPECT_EQ(out, nullptr) << "the out pointer is cleared";
         return ret;
     };
+    auto arrayIdList = [] {
+        UilIdList* out = reinterpret_cast<UilIdList*>(1);
+        uint32_t ret = INTF_UIL_EnumerateArrayIdsStart(&out);
+        EXPECT_EQ(out, nullptr) << "the out pointer is cleared";
+        return ret;
+    };
+    auto arrayInfo = [=] {
+        ArrayInfo a;
+        uint32_t ret = INTF_UIL_GetArrayInfoStart(arrayId, &a);
+        EXPECT_TRUE(MPI_ListEmpty(&a.controllers));
+        INTF_UIL_GetArrayInfoEnd(&a);
+        return ret;
+    };
+    auto diskDetail = [=] {
+        DetailDisk d(diskId);
+        EXPECT_TRUE(MPI_ListEmpty(&d.disk.controllers));
+        return d.ret;
+    };
+    auto vlunList = [=] {
+        VLunList v(arrayId);
+        EXPECT_TRUE(MPI_ListEmpty(&v.head));
+        return v.ret;
+    };
+    auto pathList = [=] {
+        PathList p(arrayId);
+        EXPECT_TRUE(MPI_ListEmpty(&p.head));
+        return p.ret;
+    };
+    auto hbaIds = [] {
+        uint32_t h[4];
+        uint32_t n = 9;
+        uint32_t ret = INTF_UIL_GetAllHbaIds(h, 4, &n);
+        EXPECT_EQ(n, 0u);
+        return ret;
+    };
     const RefusedCase cases[] = {
-        {11, "array ids", [] {
-             UilIdList* out = reinterpret_cast<UilIdList*>(1);
-             uint32_t ret = INTF_UIL_EnumerateArrayIdsStart(&out);
-             EXPECT_EQ(out, nullptr);
-             return ret;
-         }, UIL_RET_QUERY_FAIL},
+        {11, "array ids", arrayIdList, UIL_RET_QUERY_FAIL},
         {11, "array list", [] { ArrayList a; return a.ret; }, UIL_RET_QUERY_FAIL},
-        {12, "array info", [=] { ArrayInfo a; uint32_t r = INTF_UIL_GetArrayInfoStart(arrayId, &a); INTF_UIL_GetArrayInfoEnd(&a); return r; }, UIL_RET_QUERY_FAIL},
-        {21, "array info, disk check", [=] { ArrayInfo a; uint32_t r = INTF_UIL_GetArrayInfoStart(arrayId, &a); INTF_UIL_GetArrayInfoEnd(&a); return r; }, UIL_RET_QUERY_FAIL},
-        {60, "array info, controllers", [=] { ArrayInfo a; uint32_t r = INTF_UIL_GetArrayInfoStart(arrayId, &a); INTF_UIL_GetArrayInfoEnd(&a); return r; }, UIL_RET_QUERY_FAIL},
+        {12, "array info", arrayInfo, UIL_RET_QUERY_FAIL},
+        {21, "array info, disk check", arrayInfo, UIL_RET_QUERY_FAIL},
+        {60, "array info, controllers", arrayInfo, UIL_RET_QUERY_FAIL},
         {21, "disk ids", [=] { return ids(INTF_UIL_EnumerateArrayDiskIdsStart, arrayId); }, 1},
         {25, "vlun ids", [=] { return ids(INTF_UIL_EnumerateArrayVlunIdsStart, arrayId); }, 1},
-        {21, "vlun list", [=] { VLunList v(arrayId); EXPECT_TRUE(MPI_ListEmpty(&v.head)); return v.ret; }, 1},
-        {23, "disk detail", [=] { DetailDisk d(diskId); EXPECT_TRUE(MPI_ListEmpty(&d.disk.controllers)); return d.ret; }, MPI_RET_IOCTL_FAIL},
-        {31, "disk detail, paths", [=] { DetailDisk d(diskId); EXPECT_TRUE(MPI_ListEmpty(&d.disk.controllers)); return d.ret; }, MPI_RET_IOCTL_FAIL},
-        {60, "disk detail, controllers", [=] { DetailDisk d(diskId); EXPECT_TRUE(MPI_ListEmpty(&d.disk.controllers)); return d.ret; }, MPI_RET_IOCTL_FAIL},
+        {21, "vlun list", vlunList, 1},
+        {23, "disk detail", diskDetail, MPI_RET_IOCTL_FAIL},
+        {31, "disk detail, paths", diskDetail, MPI_RET_IOCTL_FAIL},
+        {60, "disk detail, controllers", diskDetail, MPI_RET_IOCTL_FAIL},
         {95, "vlun info", [] { VLunInfo v; return INTF_UIL_GetVLunInfoStart(0, &v); }, MPI_RET_VLUN_NOT_EXIST},
-        {41, "physical paths", [=] { PathList p(arrayId); EXPECT_TRUE(MPI_ListEmpty(&p.head)); return p.ret; }, UIL_RET_NO_PATH},
+        {41, "physical paths", pathList, UIL_RET_NO_PATH},
         {62, "tpg name", [=] { char n[17]; return INTF_UIL_GetTpgName(arrayId, 0, n, sizeof(n)); }, 1},
         {61, "tpg state", [=] { uint32_t s = 0; return INTF_UIL_GetTpgInfo(arrayId, 0, &s); }, MPI_RET_IOCTL_FAIL},
-        {66, "hba ids", [] { uint32_t h[4]; uint32_t n = 9; uint32_t r = INTF_UIL_GetAllHbaIds(h, 4, &n); EXPECT_EQ(n, 0u); return r; }, MPI_RET_FAIL},
+        {66, "hba ids", hbaIds, MPI_RET_FAIL},
         {65, "hba by id", [] { UilHbaInfo h{}; return INTF_UIL_GetHbaInfoById(&h); }, MPI_RET_FAIL},
         {64, "hba by wwn", [] { UilHbaInfo h{}; return INTF_UIL_GetHbaInfoByWwn(&h); }, MPI_RET_FAIL},
     };
@@ -762,21 +792,23 @@ TEST_F(ObjectsSim, CountsAboveTheCapacityAreClamped)
     std::vector<UilPathInfo> paths = allPhysicalPaths();
     ASSERT_FALSE(paths.empty());
     uint32_t pathId = paths.front().pathId;
-    auto listed = [](uint32_t ret, UilIdList* list) {
-        EXPECT_EQ(ret, MPI_RET_SUCCESS);
+    auto idsOf = [](uint32_t (*start)(uint32_t, UilIdList**), uint32_t id) {
+        UilIdList* list = nullptr;
+        EXPECT_EQ(start(id, &list), MPI_RET_SUCCESS);
         uint32_t n = list != nullptr ? list->count : 0;
         UIL_IdListFree(list);
         return n;
     };
+    auto arrayIdsStart = [](uint32_t, UilIdList** out) { return INTF_UIL_EnumerateArrayIdsStart(out); };
     const ClampCase cases[] = {
-        {11, 128, [&] { UilIdList* l = nullptr; uint32_t r = INTF_UIL_EnumerateArrayIdsStart(&l); return listed(r, l); }},
-        {21, 16384, [&] { UilIdList* l = nullptr; uint32_t r = INTF_UIL_EnumerateArrayDiskIdsStart(arrayId, &l); return listed(r, l); }},
-        {25, 16384, [&] { UilIdList* l = nullptr; uint32_t r = INTF_UIL_EnumerateArrayVlunIdsStart(arrayId, &l); return listed(r, l); }},
-        {60, 16, [&] { UilIdList* l = nullptr; uint32_t r = UIL_EnumerateTpgIdsStart(arrayId, &l); return listed(r, l); }},
-        {41, 16384, [&] { UilIdList* l = nullptr; uint32_t r = UIL_EnumeratePhyPathIdsStart(arrayId, &l); return listed(r, l); }},
-        {22, 16384, [&] { UilIdList* l = nullptr; uint32_t r = UIL_EnumeratePhyPathDiskIdsStart(pathId, &l); return listed(r, l); }},
-        {31, 128, [&] { UilIdList* l = nullptr; uint32_t r = UIL_EnumeratePathIdsStart(0, &l); return listed(r, l); }},
-        {44, 210, [&] { UilIdList* l = nullptr; uint32_t r = INTF_UIL_GetPhyPathIdsByHbaId(0, &l); return listed(r, l); }},
+        {11, 128, [&] { return idsOf(arrayIdsStart, 0); }},
+        {21, 16384, [&] { return idsOf(INTF_UIL_EnumerateArrayDiskIdsStart, arrayId); }},
+        {25, 16384, [&] { return idsOf(INTF_UIL_EnumerateArrayVlunIdsStart, arrayId); }},
+        {60, 16, [&] { return idsOf(UIL_EnumerateTpgIdsStart, arrayId); }},
+        {41, 16384, [&] { return idsOf(UIL_EnumeratePhyPathIdsStart, arrayId); }},
+        {22, 16384, [&] { return idsOf(UIL_EnumeratePhyPathDiskIdsStart, pathId); }},
+        {31, 128, [&] { return idsOf(UIL_EnumeratePathIdsStart, 0); }},
+        {44, 210, [&] { return idsOf(INTF_UIL_GetPhyPathIdsByHbaId, 0); }},
         {61, 8, [&] {
              UilTpgInfo* t = nullptr;
              EXPECT_EQ(UIL_EnumerateTpgStart(arrayId, 0, &t), MPI_RET_SUCCESS);
