@@ -1,0 +1,391 @@
+`show vlun` on the default topology: VLUN tables array by array, filtered
+by type, and the detail of ordinary VLUNs.
+
+  $ . "$TESTDIR/lib.sh"
+
+Without a type only ordinary VLUNs are listed (a PE-flagged ordinary VLUN
+among them); each array has its own table, and the columns grow from one
+table to the next. Array 4 hides its controllers and has a VLUN without a
+valid device LUN ID.
+
+  $ cv show vlun
+  --------------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk      Name                  Lun WWN                 Status     Capacity  Ctrl(Own/Work)  Array Name   Dev Lun ID  
+      0     sdb   prod_db_data  62c7f1a10b4c8a10000000000000000b    Normal      2.00TB       0A/0A       Dorado-Prod      11      
+      1     sdc   prod_db_log   62c7f1a10b4c8a10000000000000000c    Normal     200.00GB      0B/0B       Dorado-Prod      12      
+      2     sdd   prod_archive  62c7f1a10b4c8a10000000000000000d  Unavailable   1.50TB       0A/1A       Dorado-Prod      13      
+  --------------------------------------------------------------------------------------------------------------------------------------
+  -----------------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk      Name                   Lun WWN                 Status     Capacity  Ctrl(Own/Work)   Array Name    Dev Lun ID  
+      5     sdg   backup_pool02  62c7f1a10b5d9b200000000000000002   Degraded     1.50MB        1/1        S5500T-Backup       2      
+      6     sdh     pe_shadow    62c7f1a10b5d9b200000000000000009     Fault      4.00MB        1/1        S5500T-Backup       9      
+      8     sdj   backup_pool01  62c7f1a10b5d9b200000000000000001    Normal      4.00TB        0/0        S5500T-Backup       1      
+  -----------------------------------------------------------------------------------------------------------------------------------------
+  -----------------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk      Name                   Lun WWN                 Status     Capacity  Ctrl(Own/Work)   Array Name    Dev Lun ID  
+      9     sdk    siteb_share   62c7f1a10b4c8a770000000000000005   Degraded    750.00GB  CTE0.A/CTE0.B    \xb4\xe6\xb4\xa2-SiteB         5       (esc)
+  -----------------------------------------------------------------------------------------------------------------------------------------
+  -----------------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk      Name                   Lun WWN                 Status     Capacity  Ctrl(Own/Work)   Array Name    Dev Lun ID  
+     10     sdl    legacy_vol    62c7f1a10c6e0c300000000000000004     Fault    1100.00GB      --/--        Legacy-2200       --      
+     11     sdm    legacy_vol2   62c7f1a10c6e0c300000000000000005     Fault     64.00GB       --/--        Legacy-2200        5      
+  -----------------------------------------------------------------------------------------------------------------------------------------
+
+Every type: the dual-site VLUN 3 appears under both of its arrays, with
+the member of each; the migration VLUN 7 likewise.
+
+  $ cv show vlun type=all
+  --------------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk      Name                  Lun WWN                 Status     Capacity  Ctrl(Own/Work)  Array Name   Dev Lun ID  
+      0     sdb   prod_db_data  62c7f1a10b4c8a10000000000000000b    Normal      2.00TB       0A/0A       Dorado-Prod      11      
+      1     sdc   prod_db_log   62c7f1a10b4c8a10000000000000000c    Normal     200.00GB      0B/0B       Dorado-Prod      12      
+      2     sdd   prod_archive  62c7f1a10b4c8a10000000000000000d  Unavailable   1.50TB       0A/1A       Dorado-Prod      13      
+      3     sde   metro_vol01   62c7f1a10b4c8a10000000000000002a    Normal     500.00GB      1A/1A       Dorado-Prod      42      
+      4     sdf    vvol_pe01    62c7f1a10b4c8a100000000000000030    Normal    1100.00KB      0A/0A       Dorado-Prod      48      
+  --------------------------------------------------------------------------------------------------------------------------------------
+  -----------------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk      Name                   Lun WWN                 Status     Capacity  Ctrl(Own/Work)   Array Name    Dev Lun ID  
+      5     sdg   backup_pool02  62c7f1a10b5d9b200000000000000002   Degraded     1.50MB        1/1        S5500T-Backup       2      
+      6     sdh     pe_shadow    62c7f1a10b5d9b200000000000000009     Fault      4.00MB        1/1        S5500T-Backup       9      
+      7     sdi    mig_src_vol   62c7f1a10b5d9b200000000000000007    Normal     300.00GB       0/0        S5500T-Backup       7      
+      8     sdj   backup_pool01  62c7f1a10b5d9b200000000000000001    Normal      4.00TB        0/0        S5500T-Backup       1      
+  -----------------------------------------------------------------------------------------------------------------------------------------
+  -----------------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk      Name                   Lun WWN                 Status     Capacity  Ctrl(Own/Work)   Array Name    Dev Lun ID  
+      3     sde    metro_vol01   62c7f1a10b4c8a10000000000000002a    Normal     500.00GB  CTE0.B/CTE0.B    \xb4\xe6\xb4\xa2-SiteB        42       (esc)
+      9     sdk    siteb_share   62c7f1a10b4c8a770000000000000005   Degraded    750.00GB  CTE0.A/CTE0.B    \xb4\xe6\xb4\xa2-SiteB         5       (esc)
+  -----------------------------------------------------------------------------------------------------------------------------------------
+  -----------------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk      Name                   Lun WWN                 Status     Capacity  Ctrl(Own/Work)   Array Name    Dev Lun ID  
+      7     sdi    mig_dst_vol   62c7f1a10b5d9b200000000000000007     Fault     300.00GB      --/--        Legacy-2200        3      
+     10     sdl    legacy_vol    62c7f1a10c6e0c300000000000000004     Fault    1100.00GB      --/--        Legacy-2200       --      
+     11     sdm    legacy_vol2   62c7f1a10c6e0c300000000000000005     Fault     64.00GB       --/--        Legacy-2200        5      
+  -----------------------------------------------------------------------------------------------------------------------------------------
+
+The other filters: PE LUNs (by type, or by the PE flag), dual-site and
+migration VLUNs, and chosen arrays.
+
+  $ cv show vlun type=pe
+  ------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk    Name                 Lun WWN               Status  Capacity  Ctrl(Own/Work)  Array Name   Dev Lun ID  
+      4     sdf   vvol_pe01  62c7f1a10b4c8a100000000000000030  Normal 1100.00KB      0A/0A       Dorado-Prod      48      
+  ------------------------------------------------------------------------------------------------------------------------------
+  --------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk    Name                 Lun WWN               Status  Capacity  Ctrl(Own/Work)   Array Name    Dev Lun ID  
+      6     sdh   pe_shadow  62c7f1a10b5d9b200000000000000009  Fault    4.00MB        1/1        S5500T-Backup       9      
+  --------------------------------------------------------------------------------------------------------------------------------
+  $ cv show vlun type=dualsite
+  --------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk     Name                  Lun WWN               Status  Capacity  Ctrl(Own/Work)  Array Name   Dev Lun ID  
+      3     sde   metro_vol01  62c7f1a10b4c8a10000000000000002a  Normal  500.00GB      1A/1A       Dorado-Prod      42      
+  --------------------------------------------------------------------------------------------------------------------------------
+  --------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk     Name                  Lun WWN               Status  Capacity  Ctrl(Own/Work)  Array Name   Dev Lun ID  
+      3     sde   metro_vol01  62c7f1a10b4c8a10000000000000002a  Normal  500.00GB  CTE0.B/CTE0.B   \xb4\xe6\xb4\xa2-SiteB       42       (esc)
+  --------------------------------------------------------------------------------------------------------------------------------
+  $ cv show vlun array_id=1 type=migration
+  ----------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk     Name                  Lun WWN               Status  Capacity  Ctrl(Own/Work)   Array Name    Dev Lun ID  
+      7     sdi   mig_src_vol  62c7f1a10b5d9b200000000000000007  Normal  300.00GB       0/0        S5500T-Backup       7      
+  ----------------------------------------------------------------------------------------------------------------------------------
+  $ cv show vlun array_id=4,0
+  --------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk     Name                  Lun WWN               Status  Capacity  Ctrl(Own/Work)  Array Name   Dev Lun ID  
+     10     sdl   legacy_vol   62c7f1a10c6e0c300000000000000004  Fault  1100.00GB      --/--       Legacy-2200      --      
+     11     sdm   legacy_vol2  62c7f1a10c6e0c300000000000000005  Fault   64.00GB       --/--       Legacy-2200       5      
+  --------------------------------------------------------------------------------------------------------------------------------
+  --------------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk      Name                  Lun WWN                 Status     Capacity  Ctrl(Own/Work)  Array Name   Dev Lun ID  
+      0     sdb   prod_db_data  62c7f1a10b4c8a10000000000000000b    Normal      2.00TB       0A/0A       Dorado-Prod      11      
+      1     sdc   prod_db_log   62c7f1a10b4c8a10000000000000000c    Normal     200.00GB      0B/0B       Dorado-Prod      12      
+      2     sdd   prod_archive  62c7f1a10b4c8a10000000000000000d  Unavailable   1.50TB       0A/1A       Dorado-Prod      13      
+  --------------------------------------------------------------------------------------------------------------------------------------
+  $ cv show vlun array_id=3,99
+  The VLUN does not exist in disk array 3.
+  The VLUN does not exist in disk array 99.
+  [1]
+  $ cv show vlun array_id=2 type=migration
+  The VLUN does not exist in disk array 2.
+  [1]
+
+Details: an ordinary VLUN with its controllers and paths.
+
+  $ cv show vlun id=0
+  =======================================================
+                    VLUN#0 Information                   
+  =======================================================
+  Disk                  : sdb
+  Name                  : prod_db_data
+  Status                : Normal
+  Capacity              : 2.00TB
+  Driver                : alua
+  Product Name          : Dorado5000 V6
+  Vendor Name           : CORVANE
+  Owning Controller     : 0A
+  Working Controller    : 0A
+  Num of Paths          : 7
+  LUN WWN               : 62c7f1a10b4c8a10000000000000000b
+  Array Name            : Dorado-Prod
+  Controller 0A
+  Path 0 [3:0:0:1] (sdaa)  : Normal
+  Path 4 [4:0:0:1] (sdae)  : Disable
+  Path 18 [3:0:8:1] (sdag)  : Potential fault degradation
+  Controller 0B
+  Path 1 [3:0:1:1] (sdab)  : Normal
+  Path 5 [4:0:1:1] (sdaf)  : Disable
+  Controller 1A
+  Path 2 [3:0:2:1] (sdac)  : I/O timeout degradation
+  Controller 1B
+  Path 3 [3:0:3:1] (sdad)  : Disable
+  Manual IO Suspension  : Off
+  -------------------------------------------------------
+
+An unavailable disk: its paths read "Fault" unless disabled. A PE LUN. A
+VLUN under manual I/O suspension, on an array that hides its controllers.
+An unknown VLUN.
+
+  $ cv show vlun id=2,4
+  =======================================================
+                    VLUN#2 Information                   
+  =======================================================
+  Disk                  : sdd
+  Name                  : prod_archive
+  Status                : Unavailable
+  Capacity              : 1.50TB
+  Driver                : alua
+  Product Name          : Dorado5000 V6
+  Vendor Name           : CORVANE
+  Owning Controller     : 0A
+  Working Controller    : 1A
+  Num of Paths          : 7
+  LUN WWN               : 62c7f1a10b4c8a10000000000000000d
+  Array Name            : Dorado-Prod
+  Controller 0A
+  Path 0 [3:0:0:3] (sdao)  : Fault
+  Path 4 [4:0:0:3] (sdas)  : Disable
+  Path 18 [3:0:8:3] (sdau)  : Fault
+  Controller 0B
+  Path 1 [3:0:1:3] (sdap)  : Fault
+  Path 5 [4:0:1:3] (sdat)  : Disable
+  Controller 1A
+  Path 2 [3:0:2:3] (sdaq)  : Fault
+  Controller 1B
+  Path 3 [3:0:3:3] (sdar)  : Disable
+  Manual IO Suspension  : Off
+  -------------------------------------------------------
+  =======================================================
+                    VLUN#4 Information                   
+  =======================================================
+  Disk                  : sdf
+  Name                  : vvol_pe01
+  Status                : Normal
+  Capacity              : 1100.00KB
+  Driver                : alua
+  Product Name          : Dorado5000 V6
+  Vendor Name           : CORVANE
+  Owning Controller     : 0A
+  Working Controller    : 0A
+  Num of Paths          : 7
+  LUN WWN               : 62c7f1a10b4c8a100000000000000030
+  Array Name            : Dorado-Prod
+  Controller 0A
+  Path 0 [3:0:0:5] (sdbc)  : Normal
+  Path 4 [4:0:0:5] (sdbg)  : Disable
+  Path 18 [3:0:8:5] (sdbi)  : Potential fault degradation
+  Controller 0B
+  Path 1 [3:0:1:5] (sdbd)  : Normal
+  Path 5 [4:0:1:5] (sdbh)  : Disable
+  Controller 1A
+  Path 2 [3:0:2:5] (sdbe)  : I/O timeout degradation
+  Controller 1B
+  Path 3 [3:0:3:5] (sdbf)  : Disable
+  Manual IO Suspension  : Off
+  Device Type       : PE LUN
+  -------------------------------------------------------
+  $ cv show vlun id=11,77
+  =======================================================
+                    VLUN#11 Information                  
+  =======================================================
+  Disk                  : sdm
+  Name                  : legacy_vol2
+  Status                : Fault
+  Capacity              : 64.00GB
+  Driver                : dft
+  Product Name          : S2200T
+  Vendor Name           : CORVANE
+  Owning Controller     : --
+  Working Controller    : --
+  Num of Paths          : 1
+  LUN WWN               : 62c7f1a10c6e0c300000000000000005
+  Array Name            : Legacy-2200
+  Controller 0
+  Path 13 [3:0:6:3] (sdcd)  : Fault
+  Manual IO Suspension  : On(timeout/remain : {3600} seconds/{2600} seconds)
+  -------------------------------------------------------
+  The VLUN whose ID is 77 does not exist.
+  -------------------------------------------------------
+  [1]
+  $ cv show vlun id=6 type=all
+  =======================================================
+                    VLUN#6 Information                   
+  =======================================================
+  Disk                  : sdh
+  Name                  : pe_shadow
+  Status                : Fault
+  Capacity              : 4.00MB
+  Driver                : dft
+  Product Name          : S5500T
+  Vendor Name           : CORVANE
+  Owning Controller     : 1
+  Working Controller    : 1
+  Num of Paths          : 1
+  LUN WWN               : 62c7f1a10b5d9b200000000000000009
+  Array Name            : S5500T-Backup
+  Controller 1
+  Path 9 [3:0:5:4] (sdbr)  : Fault
+  Manual IO Suspension  : Off
+  Device Type       : PE LUN
+  -------------------------------------------------------
+
+Columns keep their widths at the prompt: array 1's table widens them, and
+array 0's table after it stays wide.
+
+  $ printf 'show vlun array_id=0\nshow vlun array_id=1\nshow vlun array_id=0\nquit\n' | cv
+  
+  Corvane CLI #0 >--------------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk      Name                  Lun WWN                 Status     Capacity  Ctrl(Own/Work)  Array Name   Dev Lun ID  
+      0     sdb   prod_db_data  62c7f1a10b4c8a10000000000000000b    Normal      2.00TB       0A/0A       Dorado-Prod      11      
+      1     sdc   prod_db_log   62c7f1a10b4c8a10000000000000000c    Normal     200.00GB      0B/0B       Dorado-Prod      12      
+      2     sdd   prod_archive  62c7f1a10b4c8a10000000000000000d  Unavailable   1.50TB       0A/1A       Dorado-Prod      13      
+  --------------------------------------------------------------------------------------------------------------------------------------
+  
+  Corvane CLI #1 >-----------------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk      Name                   Lun WWN                 Status     Capacity  Ctrl(Own/Work)   Array Name    Dev Lun ID  
+      5     sdg   backup_pool02  62c7f1a10b5d9b200000000000000002   Degraded     1.50MB        1/1        S5500T-Backup       2      
+      6     sdh     pe_shadow    62c7f1a10b5d9b200000000000000009     Fault      4.00MB        1/1        S5500T-Backup       9      
+      8     sdj   backup_pool01  62c7f1a10b5d9b200000000000000001    Normal      4.00TB        0/0        S5500T-Backup       1      
+  -----------------------------------------------------------------------------------------------------------------------------------------
+  
+  Corvane CLI #2 >-----------------------------------------------------------------------------------------------------------------------------------------
+   Vlun ID  Disk      Name                   Lun WWN                 Status     Capacity  Ctrl(Own/Work)   Array Name    Dev Lun ID  
+      0     sdb   prod_db_data   62c7f1a10b4c8a10000000000000000b    Normal      2.00TB       0A/0A        Dorado-Prod       11      
+      1     sdc    prod_db_log   62c7f1a10b4c8a10000000000000000c    Normal     200.00GB      0B/0B        Dorado-Prod       12      
+      2     sdd   prod_archive   62c7f1a10b4c8a10000000000000000d  Unavailable   1.50TB       0A/1A        Dorado-Prod       13      
+  -----------------------------------------------------------------------------------------------------------------------------------------
+  
+  Corvane CLI #3 > (no-eol)
+
+Refused requests: the array list, the VLUN request.
+
+  $ echo '11 refuse 1' > root/sim/faults
+  $ cv show vlun
+  Can't find any vluns.
+  [1]
+  $ echo '95 code=1039 1' > root/sim/faults
+  $ cv show vlun id=0
+  The VLUN whose ID is 0 does not exist.
+  -------------------------------------------------------
+  [1]
+
+Words the command does not take.
+
+  $ cv show vlun verbose
+  Error: Invalid input!
+  Usage:
+              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
+              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
+              -- show vlun type=<all|dualsite|migration>
+  [1]
+  $ cv show vlun name=1
+  Error: Invalid input!
+  Usage:
+              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
+              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
+              -- show vlun type=<all|dualsite|migration>
+  [1]
+  $ cv show vlun type=bogus
+  Error: Invalid input!
+  Usage:
+              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
+              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
+              -- show vlun type=<all|dualsite|migration>
+  [1]
+  $ cv show vlun type=
+  Error: Invalid input!
+  Usage:
+              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
+              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
+              -- show vlun type=<all|dualsite|migration>
+  [1]
+  $ cv show vlun type=all array_id=0
+  Error: Invalid input!
+  Usage:
+              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
+              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
+              -- show vlun type=<all|dualsite|migration>
+  [1]
+  $ cv show vlun array_id=0 type=all type=pe
+  Error: Invalid input!
+  Usage:
+              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
+              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
+              -- show vlun type=<all|dualsite|migration>
+  [1]
+  $ cv show vlun array_id=0 verbose
+  Error: Invalid input!
+  Usage:
+              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
+              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
+              -- show vlun type=<all|dualsite|migration>
+  [1]
+  $ cv show vlun array_id=
+  Error: Invalid input!
+  Usage:
+              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
+              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
+              -- show vlun type=<all|dualsite|migration>
+  [1]
+  $ cv show vlun array_id=0,1,2,3,4,5,6,7,8
+  Error: You can't input more than 8 ids
+  Error: Invalid input!
+  Usage:
+              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
+              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
+              -- show vlun type=<all|dualsite|migration>
+  [1]
+  $ cv show vlun id=0 verbose
+  Error: Invalid input!
+  Usage:
+              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
+              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
+              -- show vlun type=<all|dualsite|migration>
+  [1]
+  $ cv show vlun id=0 type=x
+  Error: Invalid input!
+  Usage:
+              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
+              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
+              -- show vlun type=<all|dualsite|migration>
+  [1]
+  $ cv show vlun id=0 extra
+  Error: Invalid input!
+  Usage:
+              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
+              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
+              -- show vlun type=<all|dualsite|migration>
+  [1]
+  $ cv show vlun id=
+  Error: Invalid input!
+  Usage:
+              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
+              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
+              -- show vlun type=<all|dualsite|migration>
+  [1]
+  $ cv show vlun id=16384
+  Error: 16384 is out of range
+  Error: Invalid input!
+  Usage:
+              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
+              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
+              -- show vlun type=<all|dualsite|migration>
+  [1]
