@@ -66,7 +66,6 @@ uint8_t showArrayTable()
         return MPCLI_RESULT_OK;
     }
     if (ret != MPI_RET_SUCCESS) {
-        UIL_ERR("Enumerate array info fail. ret {%u}", ret);
         MPCLI_Print("Can't lookup any arrays information\n");
         return MPCLI_RESULT_FAIL;
     }
@@ -135,7 +134,6 @@ bool showOneArray(uint32_t arrayId)
     ArrayInfo array;
     const uint32_t ret = INTF_UIL_GetArrayInfoStart(arrayId, &array);
     if (ret != MPI_RET_SUCCESS) {
-        UIL_ERR("Get array {%u} info fail. ret {%u}", arrayId, ret);
         INTF_UIL_GetArrayInfoEnd(&array);
         MPCLI_Print("The disk array whose ID is %u does not exist.\n", arrayId);
         return false;
