@@ -388,12 +388,13 @@ bool MPCLI_ShowDiskById(const VLunInfo& v)
 }
 
 // Dual-site and migration VLUNs, and the line for a VLUN of another type
-// than the one asked for, are printed by the aggregated-LUN commands, which
-// the shell does not carry yet: such a VLUN is traced and counted as not
-// shown.
+// than the one asked for, belong to the aggregated-LUN commands, which the
+// shell does not carry yet: until then such a VLUN is traced and reported
+// as a command that could not be carried out.
 bool showAggregatedVLun(const VLunInfo& v)
 {
     UIL_ERR("No detail display for vlun {%u} of type {%u}", v.vlunId, static_cast<uint32_t>(v.type));
+    MPCLI_PrintfInternalErrorInfo(MPI_RET_FAIL);
     return false;
 }
 
@@ -401,6 +402,7 @@ bool MPCLI_PrintTypeMissMatch(const VLunInfo& v, const VLunFilter& filter)
 {
     UIL_ERR("Vlun {%u} is of type {%u}, not {%u}", v.vlunId, static_cast<uint32_t>(v.type),
             static_cast<uint32_t>(filter.type));
+    MPCLI_PrintfInternalErrorInfo(MPI_RET_FAIL);
     return false;
 }
 

@@ -247,6 +247,17 @@ An unknown VLUN.
   Device Type       : PE LUN
   -------------------------------------------------------
 
+Dual-site and migration details, and the line for a VLUN of another type
+than the one asked for, come with the aggregated-LUN commands; until then
+the command says it could not be carried out.
+
+  $ cv show vlun id=3
+  Failed to execute the command due to internal errors.
+  [1]
+  $ cv show vlun id=0 type=dualsite
+  Failed to execute the command due to internal errors.
+  [1]
+
 Columns keep their widths at the prompt: array 1's table widens them, and
 array 0's table after it stays wide.
 
