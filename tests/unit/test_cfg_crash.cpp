@@ -1,0 +1,234 @@
+// The configuration store between processes: a writer killed at random
+// instants never leaves a torn or lost document, the lock keeps two writers
+// apart (the second retries once after 2 seconds, then gives up cleanly),
+// and two racing writers never lose each other's saved changes.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <random>
+
+#include "test_cfg_support.h"
+
+using namespace cfgtest;
+
+namespace {
+
+class SandboxEnvironment : public testing::Environment {
+public:
+    void SetUp() override
+    {
+        (void)sandbox();
+        ASSERT_EQ(UIL_CfgInit(), MPI_RET_SUCCESS);
+    }
+    void TearDown() override
+    {
+        UIL_CfgFini();
+        fs::remove_all(sandbox());
+    }
+};
+[[maybe_unused]] testing::Environment* const kSandbox = testing::AddGlobalTestEnvironment(new SandboxEnvironment);
+
+const char kDoc[] =
+    "<?xml version=\"1.0\"?>\n<cvcfg><common><io_timeout>1000</io_timeout>"
+    "<loadbalancemode>round-robin</loadbalancemode></common>"
+    "<array><arraySN1><io_timeout>200</io_timeout></arraySN1></array><lun/></cvcfg>\n";
+
+class CfgProcesses : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        (void)UIL_CfgUnlockFile();
+        fs::remove(bakPath());
+        writeFile(cfgPath(), kDoc);
+        FakeDriver::get().reset();
+    }
+};
+
+void sleepMicros(long us)
+{
+    timespec ts{us / 1000000, (us % 1000000) * 1000};
+    nanosleep(&ts, nullptr);
+}
+
+long number(const std::optional<std::string>& text) { return text ? std::stol(*text) : -1; }
+
+// ---------------------------------------------------------------------------
+
+TEST_F(CfgProcesses, KilledWriterLeavesTheOldOrTheNewDocument)
+{
+    std::mt19937 random(20240601);
+    std::uniform_int_distribution<long> delay(0, 100000);  // a save takes some 20 ms
+    long last = 1000;
+    for (int round = 0; round < 120; ++round) {
+        pid_t pid = fork();
+        ASSERT_GE(pid, 0);
+        if (pid == 0) {
+            for (long v = last + 1;; ++v) {
+                (void)UIL_SetCommonConfig("io_timeout", std::to_string(v).c_str());
+            }
+        }
+        sleepMicros(delay(random));
+        kill(pid, SIGKILL);
+        waitpid(pid, nullptr, 0);
+
+        ASSERT_TRUE(parsesAsConfig(cfgPath())) << "round " << round;
+        long now = number(valueAt(cfgPath(), "/cvcfg/common/io_timeout"));
+        ASSERT_GE(now, last) << "round " << round;  // old or newer, never lost
+        ASSERT_EQ(valueAt(cfgPath(), "/cvcfg/common/loadbalancemode"), "round-robin") << "round " << round;
+        ASSERT_EQ(valueAt(cfgPath(), "/cvcfg/array/arraySN1/io_timeout"), "200") << "round " << round;
+        if (fs::exists(bakPath())) {
+            ASSERT_TRUE(parsesAsConfig(bakPath())) << "round " << round;
+            ASSERT_LE(number(valueAt(bakPath(), "/cvcfg/common/io_timeout")), now) << "round " << round;
+        }
+        last = now;
+    }
+    // The killed writers' locks died with them; the next writer cleans up
+    // what they left half-written.
+    auto start = std::chrono::steady_clock::now();
+    ASSERT_EQ(UIL_SetCommonConfig("ioretry", "3"), MPI_RET_SUCCESS);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+    for (const auto& entry : fs::directory_iterator(sandbox() + "/etc")) {
+        EXPECT_EQ(entry.path().filename().string().find(".tmp."), std::string::npos) << entry.path();
+    }
+    EXPECT_EQ(number(valueAt(cfgPath(), "/cvcfg/common/io_timeout")), last);
+}
+
+// A writer in another process holds the lock for `holdMs`.
+pid_t holdLockElsewhere(int holdMs)
+{
+    int ready[2];
+    if (pipe(ready) != 0) {
+        return -1;
+    }
+    pid_t pid = fork();
+    if (pid == 0) {
+        close(ready[0]);
+        bool locked = UIL_CfgOpenFile(true) == MPI_RET_SUCCESS;
+        char c = locked ? 'y' : 'n';
+        (void)!write(ready[1], &c, 1);
+        sleepMicros(holdMs * 1000L);
+        _exit(locked ? 0 : 1);
+    }
+    close(ready[1]);
+    char c = 0;
+    (void)!read(ready[0], &c, 1);
+    close(ready[0]);
+    return c == 'y' ? pid : -1;
+}
+
+TEST_F(CfgProcesses, SecondWriterRetriesOnceThenGivesUpCleanly)
+{
+    struct Case {
+        int holdMs;
+        uint32_t rc;
+    };
+    for (const Case c : {Case{3500, MPI_RET_FAIL}, Case{800, MPI_RET_SUCCESS}}) {
+        SetUp();
+        pid_t holder = holdLockElsewhere(c.holdMs);
+        ASSERT_GT(holder, 0);
+        auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(UIL_SetCommonConfig("io_timeout", "55"), c.rc) << c.holdMs;
+        auto waited = std::chrono::steady_clock::now() - start;
+        EXPECT_GE(waited, std::chrono::milliseconds(1900)) << c.holdMs;
+        EXPECT_LT(waited, std::chrono::milliseconds(3000)) << c.holdMs;
+        if (c.rc == MPI_RET_SUCCESS) {
+            EXPECT_EQ(valueAt(cfgPath(), "/cvcfg/common/io_timeout"), "55");
+        } else {
+            EXPECT_EQ(readFile(cfgPath()), kDoc);
+            EXPECT_TRUE(FakeDriver::get().sent.empty());
+        }
+        int status = 0;
+        waitpid(holder, &status, 0);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    }
+}
+
+// Each racer adds items of its own, one save each, and reports the results:
+// a lost update would drop an item for good.
+struct Change {
+    const char* item;
+    const char* value;
+};
+constexpr size_t kChanges = 10;
+using Changes = std::array<Change, kChanges>;
+constexpr Changes kRacerA = {{{"ioretry", "7"}, {"ioretrydelay", "3"}, {"failbackdelaytime", "100"},
+                              {"tod_time", "120"}, {"tod_threshold", "5"}, {"ifd_time", "100"},
+                              {"ifd_threshold", "4"}, {"hld_time", "100"}, {"sdd_recover_time", "50"},
+                              {"idlepath_check_interval", "30"}}};
+constexpr Changes kRacerB = {{{"ied_time", "120"}, {"ied_min_io", "6000"}, {"ied_threshold", "30"},
+                              {"ied_recover_time", "2000"}, {"hld_threshold", "10"}, {"hld_recover_time", "100"},
+                              {"failpath_check_interval", "20"}, {"sdd_threshold", "200"},
+                              {"apd_to_pdl_timeout", "20"}, {"io_latency_threshold", "100"}}};
+
+// The racer waits until the start pipe is closed by every writer, so it
+// must not keep the write end itself.
+pid_t startRacer(const Changes& changes, const int start[2], int resultFd)
+{
+    pid_t pid = fork();
+    if (pid == 0) {
+        close(start[1]);
+        char go;
+        (void)!read(start[0], &go, 1);
+        for (const Change& c : changes) {
+            uint32_t rc = UIL_SetCommonConfig(c.item, c.value);
+            (void)!write(resultFd, &rc, sizeof(rc));
+        }
+        _exit(0);
+    }
+    return pid;
+}
+
+std::vector<uint32_t> collect(int fd)
+{
+    std::vector<uint32_t> results;
+    uint32_t rc = 0;
+    while (read(fd, &rc, sizeof(rc)) == static_cast<ssize_t>(sizeof(rc))) {
+        results.push_back(rc);
+    }
+    return results;
+}
+
+TEST_F(CfgProcesses, TwoRacingWritersNeverLoseASavedChange)
+{
+    const Changes* racers[2] = {&kRacerA, &kRacerB};
+    for (int round = 0; round < 2; ++round) {
+        SetUp();
+        int start[2];
+        ASSERT_EQ(pipe(start), 0);
+        int out[2][2];
+        pid_t pids[2];
+        for (int r = 0; r < 2; ++r) {
+            ASSERT_EQ(pipe(out[r]), 0);
+            pids[r] = startRacer(*racers[r], start, out[r][1]);
+            close(out[r][1]);
+        }
+        close(start[0]);
+        close(start[1]);  // both start at once
+        for (int r = 0; r < 2; ++r) {
+            std::vector<uint32_t> results = collect(out[r][0]);
+            close(out[r][0]);
+            waitpid(pids[r], nullptr, 0);
+            ASSERT_EQ(results.size(), kChanges);
+            for (size_t i = 0; i < kChanges; ++i) {
+                const Change& c = (*racers[r])[i];
+                ASSERT_TRUE(results[i] == MPI_RET_SUCCESS || results[i] == MPI_RET_FAIL) << results[i];
+                std::optional<std::string> v = valueAt(cfgPath(), std::string("/cvcfg/common/") + c.item);
+                if (results[i] == MPI_RET_SUCCESS) {
+                    EXPECT_EQ(v, c.value) << c.item << " round " << round;
+                } else {
+                    EXPECT_EQ(v, std::nullopt) << c.item << " round " << round;
+                }
+            }
+        }
+        EXPECT_TRUE(parsesAsConfig(cfgPath()));
+        EXPECT_TRUE(parsesAsConfig(bakPath()));
+        EXPECT_EQ(valueAt(cfgPath(), "/cvcfg/array/arraySN1/io_timeout"), "200");
+    }
+}
+
+}  // namespace
