@@ -101,11 +101,11 @@ void SaveDriverState(const SimPaths& paths, const Json& driver)
 std::string Hex(const uint8_t* p, size_t n)
 {
     static constexpr char kDigits[] = "0123456789abcdef";
-    std::string s;
-    s.reserve(2 * n);
+    std::string s(2 * n, '\0');
+    char* out = s.data();
     for (size_t i = 0; i < n; ++i) {
-        s.push_back(kDigits[p[i] >> 4]);
-        s.push_back(kDigits[p[i] & 0xF]);
+        out[2 * i] = kDigits[p[i] >> 4];
+        out[2 * i + 1] = kDigits[p[i] & 0xF];
     }
     return s;
 }
