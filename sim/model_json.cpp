@@ -33,12 +33,17 @@ const Json& JsonMember(const Json& obj, const char* key, const std::string& wher
     return *v;
 }
 
+// A document parsed from text holds non-negative integers as unsigned; one
+// changed in memory may hold them signed (a handler assigning an int).
 uint64_t JsonU64(const Json& v, const std::string& where)
 {
-    if (!v.is_number_unsigned()) {
+    if (v.is_number_unsigned()) {
+        return v.get<uint64_t>();
+    }
+    if (!v.is_number_integer() || v.get<int64_t>() < 0) {
         Bad(where, "a non-negative integer");
     }
-    return v.get<uint64_t>();
+    return static_cast<uint64_t>(v.get<int64_t>());
 }
 
 uint32_t JsonU32(const Json& v, const std::string& where)
