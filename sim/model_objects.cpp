@@ -221,8 +221,8 @@ private:
 
     void readStart()
     {
-        const Json& driver = JsonMember(m_doc, "driver", "");
-        const Json* started = JsonOptionalMember(driver, "started", "driver");
+        const Json* driver = JsonOptionalMember(m_doc, "driver", "");
+        const Json* started = driver == nullptr ? nullptr : JsonOptionalMember(*driver, "started", "driver");
         if (started != nullptr) {
             m_out.m_hasStart = true;
             m_out.m_started = JsonU64(*started, "driver.started");
