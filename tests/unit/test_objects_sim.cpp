@@ -9,6 +9,8 @@
 // the sanitizers, leaks are reported when the child exits, after every
 // failure path below has run.
 #include <gtest/gtest.h>
+
+#include <cstdio>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -203,7 +205,7 @@ void walkEverything()
         PathList paths(arrayId);
         for (UilPathInfo* p : entries<UilPathInfo>(&paths.head)) {
             UilHbaInfo hba{};
-            std::strncpy(hba.wwn, p->initiatorPort, sizeof(hba.wwn) - 1);
+            std::snprintf(hba.wwn, sizeof(hba.wwn), "%.*s", static_cast<int>(sizeof(hba.wwn) - 1), p->initiatorPort);
             (void)INTF_UIL_GetHbaInfoByWwn(&hba);
             (void)UIL_GetLogicalLunForPhyPath(p);
             char name[UIL_CONTROLLER_NAME_SIZE];
@@ -621,7 +623,7 @@ TEST_F(ObjectsSim, HbasByIdAndByWwn)
             ASSERT_EQ(INTF_UIL_GetPhyPathInfo(pathId, &path), MPI_RET_SUCCESS);
             if (path.portType != UIL_PORT_ISCSI) {
                 UilHbaInfo byWwn{};
-                std::strncpy(byWwn.wwn, path.initiatorPort, sizeof(byWwn.wwn) - 1);
+                std::snprintf(byWwn.wwn, sizeof(byWwn.wwn), "%.*s", static_cast<int>(sizeof(byWwn.wwn) - 1), path.initiatorPort);
                 ASSERT_EQ(INTF_UIL_GetHbaInfoByWwn(&byWwn), MPI_RET_SUCCESS) << byWwn.wwn;
                 EXPECT_EQ(byWwn.hbaId, ids[i]);
                 EXPECT_EQ(byWwn.enabled, byId.enabled);
