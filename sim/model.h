@@ -204,5 +204,7 @@ int DeviceIoctl(const char* root, unsigned long code, void* arg) noexcept;
 // Handlers, one family per file.
 uint32_t HandleVersion(SimContext& ctx, SimPayload& p);      // model_general.cpp
 uint32_t HandleWorkerTable(SimContext& ctx, SimPayload& p);  // model_general.cpp
+uint32_t HandleCfgNotify(SimContext& ctx, SimPayload& p);    // model_config.cpp
+uint32_t HandleCfgDelete(SimContext& ctx, SimPayload& p);    // model_config.cpp
 
 }  // namespace cvsim

@@ -252,6 +252,7 @@ uint32_t HandleTpgIds(SimContext& ctx, SimPayload& p);          // 0x3c
 uint32_t HandleTpgInfo(SimContext& ctx, SimPayload& p);         // 0x3d
 uint32_t HandleTpgName(SimContext& ctx, SimPayload& p);         // 0x3e
 uint32_t HandleVlunInfo(SimContext& ctx, SimPayload& p);        // 0x5f
+uint32_t HandleDsInfo(SimContext& ctx, SimPayload& p);          // 0x5d
 uint32_t HandlePhyPathDiskIds(SimContext& ctx, SimPayload& p);  // 0x16, model_paths.cpp
 uint32_t HandleLogicalPathIds(SimContext& ctx, SimPayload& p);  // 0x1f
 uint32_t HandleLogicalPathInfo(SimContext& ctx, SimPayload& p); // 0x20

@@ -61,6 +61,17 @@ constexpr size_t kSize = 84;
 
 constexpr size_t kArraySize = 444;
 
+// Dual-site information (0x5d, 28 bytes): u32 VLUN ID at 0 unless the
+// default flag at 26 asks for the host's default primary array.
+namespace ds {
+constexpr size_t kVlunId = 0, kMode = 4, kPrimarySn = 5, kDefaultFlag = 26;
+constexpr size_t kSize = 28;
+}  // namespace ds
+// A VLUN that is not a dual-site VLUN.
+constexpr uint32_t kResultNotDualSite = 1063;
+// No default primary array is set (the driver's generic failure).
+constexpr uint32_t kResultNoDefault = 1;
+
 std::vector<uint32_t> ControllerIds(const SimArray& a)
 {
     std::vector<uint32_t> ids;
@@ -283,6 +294,38 @@ uint32_t HandleVlunInfo(SimContext& ctx, SimPayload& p)
         p.setU32(vlun::kMemberDisks + 4 * i, v->disks[i]);
     }
     PutSuspension(p, *v, ctx.now());
+    return kResultSuccess;
+}
+
+// The default primary array is the driver document's optional
+// "default_ds_primary" (an array ID). A dual-site VLUN reads as working
+// between both arrays with the array of its first member as primary.
+uint32_t HandleDsInfo(SimContext& ctx, SimPayload& p)
+{
+    SimObjectsPtr objs = ctx.objects();
+    const SimArray* primary = nullptr;
+    if (p.u8(ds::kDefaultFlag) == 1) {
+        const Json* id = JsonOptionalMember(JsonMember(ctx.driver(), "driver", ""), "default_ds_primary", "driver");
+        if (id == nullptr) {
+            return kResultNoDefault;
+        }
+        primary = objs->array(JsonU32(*id, "driver.default_ds_primary"));
+        if (primary == nullptr) {
+            throw SimError("driver.default_ds_primary: no such array");
+        }
+    } else {
+        const SimVlun* v = objs->vlun(p.u32(ds::kVlunId));
+        if (v == nullptr) {
+            return kResultNoVlun;
+        }
+        if (v->type != kVlunDualSite) {
+            return kResultNotDualSite;
+        }
+        primary = objs->array(objs->disk(v->disks[0])->arrayId);
+    }
+    ClearAfter(p, ds::kMode, ds::kSize);
+    p.setU8(ds::kMode, 0);
+    p.setText(ds::kPrimarySn, kArraySnLen, primary->sn);
     return kResultSuccess;
 }
 

@@ -8,9 +8,6 @@
 
 namespace cvsim {
 
-uint32_t HandleCfgNotify(SimContext& ctx, SimPayload& p);  // model_config.cpp
-uint32_t HandleCfgDelete(SimContext& ctx, SimPayload& p);  // model_config.cpp
-
 namespace {
 
 constexpr std::array kRequests = {
@@ -37,6 +34,7 @@ constexpr std::array kRequests = {
     SimRequestRow{0x42, 12, HandleHbaIds, 4},
     SimRequestRow{70, 140, HandleCfgNotify, kNoCountField},
     SimRequestRow{71, 72, HandleCfgDelete, kNoCountField},
+    SimRequestRow{0x5d, 28, HandleDsInfo, kNoCountField},
     SimRequestRow{0x5f, 84, HandleVlunInfo, 60},  // member count and member disks
     SimRequestRow{100, 64, HandleWorkerTable, 4},
 };

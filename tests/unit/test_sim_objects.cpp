@@ -445,6 +445,44 @@ TEST_F(SimObjects, VlunRecordAtItsOffsets)
     }
 }
 
+// Dual-site information: one VLUN's, or the host's default primary array
+// (flag at 26), which only a driver document that names one can answer.
+TEST_F(SimObjects, DualSiteInfoOfAVlunAndTheDefault)
+{
+    struct DsCase {
+        const char* what;
+        uint32_t vlun;
+        uint8_t defaultFlag;
+        uint32_t result;
+        const char* sn;  // nullptr: the payload stays as it came
+    };
+    const DsCase cases[] = {
+        {"dual-site VLUN: its first member's array", 40, 0, 1024, "SN000000000000000003"},
+        {"ordinary VLUN", 41, 0, 1063, nullptr},
+        {"unknown VLUN", 99, 0, 1039, nullptr},
+        {"no default primary in the document", 0, 1, 1, nullptr},
+    };
+    for (const DsCase& c : cases) {
+        SCOPED_TRACE(c.what);
+        Wire w(28);
+        w.put32(0, c.vlun);
+        w.bytes[26] = c.defaultFlag;
+        ASSERT_EQ(Send(ctx, 0x5d, w), c.result);
+        if (c.sn == nullptr) {
+            EXPECT_EQ(w.u8(4), kMarker);
+            continue;
+        }
+        EXPECT_EQ(w.u8(4), 0) << "working mode: between both arrays";
+        EXPECT_EQ(w.text(5, 20), c.sn);
+        EXPECT_EQ(w.u8(26), 0);
+    }
+    doc["driver"]["default_ds_primary"] = 1;
+    Wire w(28);
+    w.bytes[26] = 1;
+    ASSERT_EQ(Send(ctx, 0x5d, w), 1024u);
+    EXPECT_EQ(w.text(5, 20), "SN000000000000000001");
+}
+
 TEST(SimObjectsClock, SuspensionEndsWhenItsTimeIsUp)
 {
     Json doc = Json::parse(kTopology);
