@@ -9,6 +9,7 @@
 #include "cli/cli_objects.h"
 #include "cli/cli_print.h"
 #include "cli/cli_token.h"
+#include "uil/uil_cfg.h"
 
 namespace {
 
@@ -128,8 +129,9 @@ void MPCLI_PrintArraysForDetail(const ArrayInfo& array)
 }
 
 // Returns false when the array does not exist (an array without disks is
-// not shown either).
-bool showOneArray(uint32_t arrayId)
+// not shown either) or, with `verbose`, when its configuration cannot be
+// read: the array is then skipped.
+bool showOneArray(uint32_t arrayId, bool verbose)
 {
     ArrayInfo array;
     const uint32_t ret = INTF_UIL_GetArrayInfoStart(arrayId, &array);
@@ -138,8 +140,21 @@ bool showOneArray(uint32_t arrayId)
         MPCLI_Print("The disk array whose ID is %u does not exist.\n", arrayId);
         return false;
     }
+    UilFullCfg config{};
+    if (verbose) {
+        const uint32_t cfgRet = INTF_UIL_GetFullConfig("", array.sn, &config);
+        if (cfgRet != MPI_RET_SUCCESS) {
+            UIL_ERR("Get config of array {%u} failed. ret {%u}", arrayId, cfgRet);
+            INTF_UIL_GetArrayInfoEnd(&array);
+            MPCLI_Print("Get config information failed.\n");
+            return false;
+        }
+    }
     MPCLI_PrintArraysForDetail(array);
     INTF_UIL_GetArrayInfoEnd(&array);
+    if (verbose) {
+        MPCLI_PrintConfigForArray(config);
+    }
     MPCLI_PrintDoubleDash(kDetailWidth);
     return true;
 }
@@ -159,14 +174,9 @@ uint8_t showArrayDetails(uint32_t argc, char** argv)
     if (verbose && std::strcmp(argv[2], "verbose") != 0) {
         return printInvalidUsage();
     }
-    // The configuration block of "verbose" needs the configuration store;
-    // until the shell has one, the word is refused rather than ignored.
-    if (verbose) {
-        return printInvalidUsage();
-    }
     uint8_t result = MPCLI_RESULT_OK;
     for (uint32_t i = 0; i < count; ++i) {
-        if (!showOneArray(ids[i])) {
+        if (!showOneArray(ids[i], verbose)) {
             result = MPCLI_RESULT_FAIL;
         }
     }

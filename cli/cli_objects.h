@@ -40,3 +40,11 @@ const T* MPCLI_ListRecord(const MPI_ListNode* node)
 // One path of a disk's detail, "Path %u [h:c:t:l] (dev)" then "  : state".
 // `indent` blanks open the line (the aggregated members indent theirs).
 void MPCLI_PrintDiskPath(const UilPathInfo& path, uint32_t indent);
+
+struct UilFullCfg;
+// Text of the working-mode byte of a configuration record.
+const char* MPCLI_WorkingModeText(uint8_t lbAcrossControllers);
+// The configuration blocks that "verbose" adds to an array's and to a
+// VLUN's detail.
+void MPCLI_PrintConfigForArray(const UilFullCfg& config);
+void MPCLI_PrintConfigForVlun(const UilFullCfg& config);

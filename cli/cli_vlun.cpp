@@ -12,6 +12,7 @@
 #include "cli/cli_objects.h"
 #include "cli/cli_print.h"
 #include "cli/cli_token.h"
+#include "uil/uil_cfg.h"
 
 namespace {
 
@@ -338,7 +339,8 @@ void printSuspension(const VLunInfo& v)
     }
 }
 
-void MPCLI_PrintDiskDetailInfo(const VLunInfo& v, const DiskInfo& disk)
+// `config` is the VLUN's configuration when "verbose" asked for it.
+void MPCLI_PrintDiskDetailInfo(const VLunInfo& v, const DiskInfo& disk, const UilFullCfg* config)
 {
     UilControllerNamer namer;
     char owning[UIL_CONTROLLER_NAME_SIZE] = {};
@@ -364,6 +366,9 @@ void MPCLI_PrintDiskDetailInfo(const VLunInfo& v, const DiskInfo& disk)
     MPCLI_Print("LUN WWN               : %s\n", disk.lunWwn);
     MPCLI_Print("Array Name            : %s\n", disk.arrayName);
     printControllers(disk, namer);
+    if (config != nullptr) {
+        MPCLI_PrintConfigForVlun(*config);
+    }
     printSuspension(v);
     if (isPeLun(v)) {
         MPCLI_Print("Device Type       : %s\n", "PE LUN");
@@ -371,7 +376,7 @@ void MPCLI_PrintDiskDetailInfo(const VLunInfo& v, const DiskInfo& disk)
     MPCLI_PrintDash(kDetailWidth);
 }
 
-bool MPCLI_ShowDiskById(const VLunInfo& v)
+bool MPCLI_ShowDiskById(const VLunInfo& v, bool verbose)
 {
     const uint32_t diskId = v.memberDiskId[0];
     DiskInfo disk;
@@ -382,7 +387,18 @@ bool MPCLI_ShowDiskById(const VLunInfo& v)
         MPCLI_Print("The disk whose ID is %u does not exist.\n", diskId);
         return false;
     }
-    MPCLI_PrintDiskDetailInfo(v, disk);
+    UilFullCfg config{};
+    if (verbose) {
+        const uint32_t cfgRet = INTF_UIL_GetFullConfig(disk.lunWwn, disk.arraySn, &config);
+        if (cfgRet != MPI_RET_SUCCESS) {
+            UIL_ERR("Get config of vlun {%u} failed. ret {%u}", v.vlunId, cfgRet);
+            INTF_UIL_GetDiskDetailInfoEnd(&disk);
+            MPCLI_PrintDash(kDetailWidth);
+            MPCLI_Print("Get config information failed.\n");
+            return false;
+        }
+    }
+    MPCLI_PrintDiskDetailInfo(v, disk, verbose ? &config : nullptr);
     INTF_UIL_GetDiskDetailInfoEnd(&disk);
     return true;
 }
@@ -408,7 +424,7 @@ bool MPCLI_PrintTypeMissMatch(const VLunInfo& v, const VLunFilter& filter)
 
 bool isAggregated(const VLunInfo& v) { return v.type == UIL_VLUN_TYPE_DUALSITE || v.type == UIL_VLUN_TYPE_MIGRATION; }
 
-bool MPCLI_ShowVLunByVlunType(uint32_t vlunId, const VLunFilter& filter)
+bool MPCLI_ShowVLunByVlunType(uint32_t vlunId, const VLunFilter& filter, bool verbose)
 {
     VLunInfo v;
     if (INTF_UIL_GetVLunInfoStart(vlunId, &v) != MPI_RET_SUCCESS) {
@@ -423,7 +439,7 @@ bool MPCLI_ShowVLunByVlunType(uint32_t vlunId, const VLunFilter& filter)
     } else if (isAggregated(v)) {
         shown = showAggregatedVLun(v);
     } else {
-        shown = MPCLI_ShowDiskById(v);
+        shown = MPCLI_ShowDiskById(v, verbose);
     }
     INTF_UIL_GetVLunInfoEnd(&v);
     return shown;
@@ -446,14 +462,9 @@ uint8_t MPCLI_ShowVLunById(uint32_t argc, char** argv)
             return printUsage();
         }
     }
-    // The configuration block of "verbose" needs the configuration store;
-    // until the shell has one, the word is refused rather than ignored.
-    if (verbose) {
-        return printUsage();
-    }
     uint8_t result = MPCLI_RESULT_OK;
     for (uint32_t i = 0; i < count; ++i) {
-        if (!MPCLI_ShowVLunByVlunType(ids[i], filter)) {
+        if (!MPCLI_ShowVLunByVlunType(ids[i], filter, verbose)) {
             result = MPCLI_RESULT_FAIL;
         }
     }

@@ -47,6 +47,33 @@ const std::array<UilPhyPathIoStateConvert, 6> g_astUILPhyPathIOStateConvert{{
     {"25", "high latency", "\xb8\xdf\xca\xb1\xd1\xd3"},
 }};
 
+uint32_t UIL_ConvertStrToBool(const char* text, uint8_t* value)
+{
+    UIL_ASSERT(value != nullptr);
+    if (text != nullptr && std::strcmp(text, "on") == 0) {
+        *value = 1;
+        return MPI_RET_SUCCESS;
+    }
+    if (text != nullptr && std::strcmp(text, "off") == 0) {
+        *value = 0;
+        return MPI_RET_SUCCESS;
+    }
+    return MPI_RET_INVALID_PARAM;
+}
+
+const char* UIL_ConvertBoolToStr(uint32_t value) { return value != 0 ? "on" : "off"; }
+
+const char* UIL_LbPolicyDescription(const char* keyword)
+{
+    UIL_ASSERT(keyword != nullptr);
+    for (const UilLbConvert& row : g_astUILLbConvert) {
+        if (std::strcmp(row.keyword, keyword) == 0) {
+            return row.english;
+        }
+    }
+    return keyword;
+}
+
 namespace {
 
 // One converter for the whole run: a table of 16384 VLUNs converts as many

@@ -41,3 +41,12 @@ struct UilPhyPathIoStateConvert {
     const char* chinese;
 };
 extern const std::array<UilPhyPathIoStateConvert, 6> g_astUILPhyPathIOStateConvert;
+
+// "on" -> 1, "off" -> 0 (exact words); anything else is refused with
+// MPI_RET_INVALID_PARAM and leaves *value alone.
+uint32_t UIL_ConvertStrToBool(const char* text, uint8_t* value);
+// 0 -> "off", anything else -> "on".
+const char* UIL_ConvertBoolToStr(uint32_t value);
+// The English description of a load-balance keyword ("round-robin" ->
+// "round robin algorithm"); a keyword of no row is returned as it is.
+const char* UIL_LbPolicyDescription(const char* keyword);

@@ -159,13 +159,57 @@ A refused array list, and a refused array request.
   $ tracelog | grep -c 'Get Array {0} info fail'
   1
 
+"verbose" adds the array's effective configuration: its own values, else
+the common ones. Array 1 (S5500T-Backup) gets two values of its own.
+
+  $ sed -i 's|<array/>|<array><array210235G6GR10B9000042><loadbalancemode>round-robin</loadbalancemode><workingmode>0</workingmode></array210235G6GR10B9000042></array>|' root/etc/user_cfg.xml
+  $ cv show array id=4,1 verbose | sed -n '/^Working Mode/,$p'
+  Working Mode   : load balancing within controller
+  LUN Trespass   : on
+  LoadBalance Mode          : minimal queue depth algorithm
+  Loadbanlance io threshold : 100
+  Io Suspension Time        : 60
+  Max io retry timeout      : 1800
+  =======================================================
+  =======================================================
+                    Array#1 Information                  
+  =======================================================
+  Array Name     : S5500T-Backup
+  Array SN       : 210235G6GR10B9000042
+  Vendor Name    : CORVANE
+  Product Name   : S5500T
+  Controller 0
+         Status  : Enable
+         LunCount: 2
+         PathInfo: 
+                  Path6: Normal
+                  Path8: Normal
+  Controller 1
+         Status  : Enable
+         LunCount: 2
+         PathInfo: 
+                  Path7: Normal
+                  Path9: Fault
+  Working Mode   : load balancing between controllers
+  LUN Trespass   : on
+  LoadBalance Mode          : round robin algorithm
+  Loadbanlance io threshold : 100
+  Io Suspension Time        : 60
+  Max io retry timeout      : 1800
+  =======================================================
+
+Without a readable configuration the array is skipped, and the others are
+still shown.
+
+  $ mv root/etc/user_cfg.xml root/etc/user_cfg.xml.keep
+  $ cv show array id=1,7 verbose
+  Get config information failed.
+  The disk array whose ID is 7 does not exist.
+  [1]
+  $ mv root/etc/user_cfg.xml.keep root/etc/user_cfg.xml
+
 Words the command does not take.
 
-  $ cv show array id=0 verbose
-  Error: Invalid input!
-  Usage:
-      -- show array [id=<ID1,ID2,...> [verbose]]
-  [1]
   $ cv show array id=0 verbos
   Error: Invalid input!
   Usage:

@@ -364,13 +364,6 @@ Words the command does not take.
               -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
               -- show vlun type=<all|dualsite|migration>
   [1]
-  $ cv show vlun id=0 verbose
-  Error: Invalid input!
-  Usage:
-              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
-              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
-              -- show vlun type=<all|dualsite|migration>
-  [1]
   $ cv show vlun id=0 type=x
   Error: Invalid input!
   Usage:
@@ -399,4 +392,39 @@ Words the command does not take.
               -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
               -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
               -- show vlun type=<all|dualsite|migration>
+  [1]
+
+"verbose" adds the VLUN's effective configuration, before the suspension
+line: its own values first, then its array's, then the common ones. VLUN 1
+lies in array 0; the array sets one value, the LUN overrides another.
+
+  $ sed -i 's|<array/>|<array><array2102351QLH10K7000001><lb_io_threshold>500</lb_io_threshold><iosuspensiontime>30</iosuspensiontime></array2102351QLH10K7000001></array>|' root/etc/user_cfg.xml
+  $ wwn=$(cv show vlun id=1 | sed -n 's/^LUN WWN *: //p')
+  $ sed -i "s|<lun/>|<lun><lun$wwn><iosuspensiontime>0</iosuspensiontime><luntrespass>0</luntrespass></lun$wwn></lun>|" root/etc/user_cfg.xml
+  $ cv show vlun id=1,0 verbose | grep -A8 '^Working Mode'
+  Working Mode      : load balancing within controller
+  LUN Trespass      : off
+  LoadBalance Mode  : minimal queue depth algorithm
+  Loadbanlance io threshold : 500
+  Io Suspension Time        : 0
+  Max io retry timeout      : 1800
+  Manual IO Suspension  : Off
+  -------------------------------------------------------
+  =======================================================
+  --
+  Working Mode      : load balancing within controller
+  LUN Trespass      : on
+  LoadBalance Mode  : minimal queue depth algorithm
+  Loadbanlance io threshold : 500
+  Io Suspension Time        : 30
+  Max io retry timeout      : 1800
+  Manual IO Suspension  : Off
+  -------------------------------------------------------
+
+A configuration that cannot be read: the VLUN is skipped after a dash line.
+
+  $ : > root/etc/user_cfg.xml
+  $ cv show vlun id=1 verbose
+  -------------------------------------------------------
+  Get config information failed.
   [1]

@@ -330,6 +330,30 @@ TEST_F(ObjectRules, ControllerTables)
     EXPECT_EQ(g_astUILOpenLB[3].objectType, MPI_OBJ_PATH);
 }
 
+// The words an operator types and reads for switches and load-balance modes.
+TEST_F(ObjectRules, SwitchAndPolicyTexts)
+{
+    struct BoolCase {
+        const char* text;
+        uint32_t ret;
+        uint8_t value;  // 7: left as it was
+    };
+    for (const BoolCase& c : {BoolCase{"on", MPI_RET_SUCCESS, 1}, BoolCase{"off", MPI_RET_SUCCESS, 0},
+                              BoolCase{"On", MPI_RET_INVALID_PARAM, 7}, BoolCase{"1", MPI_RET_INVALID_PARAM, 7},
+                              BoolCase{"", MPI_RET_INVALID_PARAM, 7}, BoolCase{nullptr, MPI_RET_INVALID_PARAM, 7}}) {
+        uint8_t value = 7;
+        EXPECT_EQ(UIL_ConvertStrToBool(c.text, &value), c.ret) << (c.text ? c.text : "(null)");
+        EXPECT_EQ(value, c.value) << (c.text ? c.text : "(null)");
+    }
+    EXPECT_STREQ(UIL_ConvertBoolToStr(0), "off");
+    EXPECT_STREQ(UIL_ConvertBoolToStr(1), "on");
+    EXPECT_STREQ(UIL_ConvertBoolToStr(2), "on");
+    EXPECT_STREQ(UIL_LbPolicyDescription("round-robin"), "round robin algorithm");
+    EXPECT_STREQ(UIL_LbPolicyDescription("min-task"), "minimal task algotithm");
+    EXPECT_STREQ(UIL_LbPolicyDescription("min"), "min");  // no prefix match
+    EXPECT_STREQ(UIL_LbPolicyDescription(""), "");
+}
+
 // ---------------------------------------------------------------------------
 // Disk status and LUN counts.
 
