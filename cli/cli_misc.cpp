@@ -8,6 +8,7 @@
 #include "cli/cli_helptext.h"
 #include "cli/cli_operlog.h"
 #include "uil/uil.h"
+#include "uil/uil_cfg.h"
 #include "uil/uil_status.h"
 
 namespace {
@@ -131,9 +132,16 @@ void MPCLI_FormatCheckStatus(const UilStatusRecord* rec, char* out, size_t size)
     }
 }
 
-void MPCLI_PrintfInternalErrorInfo(uint32_t /*code*/)
+// The text on standard output is the same whatever the code, since scripts
+// match it; the one cause an operator can mend himself, a configuration
+// file that is gone or damaged, is named on standard error as well.
+void MPCLI_PrintfInternalErrorInfo(uint32_t code)
 {
     MPCLI_Print("Failed to execute the command due to internal errors.\n");
+    if (code == UIL_RET_CFG_LOAD_FAIL) {
+        std::fprintf(stderr, "cvadm: the configuration file %s is missing or cannot be parsed.\n",
+                     UIL_CfgFilePath());
+    }
 }
 
 void MPCLI_PrintfErrorInfo(uint32_t code, const char* objectId, uint8_t perVlun)

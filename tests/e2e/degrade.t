@@ -366,6 +366,7 @@ told:
   $ mv "$cfg" "$PWD/saved.xml"
   $ : > "$CVADM_ROOT/sim/requests.log"
   $ cvu set tod_time=900
+  cvadm: the configuration file */root/etc/user_cfg.xml is missing or cannot be parsed. (glob)
   Failed to execute the command due to internal errors.
   [1]
   $ wc -c < "$CVADM_ROOT/sim/requests.log"
@@ -374,6 +375,7 @@ told:
   [100000002] [CLI] [1] [1396789544] [set tod_time=900] [Set io timeout degrade time 900 s] [0]
   $ : > "$cfg"
   $ cvu set tod_time=900
+  cvadm: the configuration file */root/etc/user_cfg.xml is missing or cannot be parsed. (glob)
   Failed to execute the command due to internal errors.
   [1]
   $ mv "$PWD/saved.xml" "$cfg"

@@ -117,6 +117,7 @@ configuration file the value cannot be read:
   <io_latency_threshold>35</io_latency_threshold>
   $ rm "$cfg"
   $ cvu show io_latency_threshold
+  cvadm: the configuration file */root/etc/user_cfg.xml is missing or cannot be parsed. (glob)
   Failed to execute the command due to internal errors.
   [1]
 
