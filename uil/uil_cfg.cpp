@@ -289,8 +289,8 @@ uint32_t UIL_CfgOpenFile(bool bForWrite)
         if (lockWithOneRetry() != MPI_RET_SUCCESS) {
             return MPI_RET_FAIL;
         }
-        UIL_CfgRemoveStaleTemps(g_szUILCfgFilePath);
-        UIL_CfgRemoveStaleTemps(g_szUILCfgBakFilePath);
+        UIL_RemoveStaleTemps(g_szUILCfgFilePath);
+        UIL_RemoveStaleTemps(g_szUILCfgBakFilePath);
     }
     // One read serves both the backup and the parse, so the backup is
     // exactly the document this access works on.

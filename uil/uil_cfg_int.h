@@ -11,6 +11,7 @@
 #include <string>
 
 #include "uil/uil_cfg.h"
+#include "uil/uil_file.h"
 
 // ---------------------------------------------------------------------------
 // Owners.
@@ -34,40 +35,6 @@ using UilXPathCtx = std::unique_ptr<xmlXPathContext, UilXPathCtxFree>;
 using UilXPathObj = std::unique_ptr<xmlXPathObject, UilXPathObjFree>;
 using UilXmlText = std::unique_ptr<xmlChar, UilXmlCharFree>;
 using UilXmlNode = std::unique_ptr<xmlNode, UilXmlNodeFree>;
-
-class UilFd {
-public:
-    UilFd() = default;
-    explicit UilFd(int fd) : m_fd(fd) {}
-    UilFd(const UilFd&) = delete;
-    UilFd& operator=(const UilFd&) = delete;
-    UilFd(UilFd&& other) noexcept : m_fd(other.release()) {}
-    UilFd& operator=(UilFd&& other) noexcept
-    {
-        reset(other.release());
-        return *this;
-    }
-    ~UilFd() { reset(); }
-
-    int get() const { return m_fd; }
-    bool valid() const { return m_fd >= 0; }
-    int release()
-    {
-        int fd = m_fd;
-        m_fd = -1;
-        return fd;
-    }
-    void reset(int fd = -1)
-    {
-        if (m_fd >= 0) {
-            (void)::close(m_fd);
-        }
-        m_fd = fd;
-    }
-
-private:
-    int m_fd = -1;
-};
 
 inline const char* UIL_XmlName(const xmlNode* node)
 {
@@ -108,12 +75,10 @@ inline constexpr int UIL_CFG_PARSE_OPTIONS = XML_PARSE_NONET | XML_PARSE_NOBLANK
 bool UIL_CfgIsConfigDoc(const xmlDoc* doc);
 // The whole file; false when it cannot be read (errno kept).
 bool UIL_CfgReadFile(const char* path, std::string* bytes);
-// Replaces `path` atomically by `bytes`: a temporary file in the same
-// directory, synced, re-read and proven a configuration document, renamed
-// over, the directory synced. On failure `path` is as it was.
+// Replaces `path` atomically by `bytes` (UIL_ReplaceFile), once the
+// temporary file reads back as a configuration document. On failure `path`
+// is as it was.
 bool UIL_CfgReplaceFile(const char* path, const std::string& bytes, mode_t mode);
-// Removes temporary files a killed writer left next to `path`.
-void UIL_CfgRemoveStaleTemps(const char* path);
 
 // ---------------------------------------------------------------------------
 // The driver.

@@ -22,6 +22,7 @@
 
 #include "bounded/bounded.h"
 #include "mpi/mpi_root.h"
+#include "uil/uil_file.h"
 #include "uil/uil_oper.h"
 
 namespace {
@@ -32,35 +33,6 @@ constexpr size_t kMaxFields = 11;
 constexpr size_t kSerialFileMax = 4096;  // the number and whatever text follows it
 
 UilOperLogRetry g_stOperLogRetry = UIL_OPER_LOG_RETRY;
-
-class Fd {
-public:
-    explicit Fd(int fd = -1) : m_fd(fd) {}
-    ~Fd() { reset(); }
-    Fd(Fd&& other) noexcept : m_fd(other.m_fd) { other.m_fd = -1; }
-    Fd& operator=(Fd&&) = delete;
-    Fd(const Fd&) = delete;
-    Fd& operator=(const Fd&) = delete;
-    int get() const { return m_fd; }
-    explicit operator bool() const { return m_fd >= 0; }
-    void reset(int fd = -1)
-    {
-        if (m_fd >= 0) {
-            (void)close(m_fd);
-        }
-        m_fd = fd;
-    }
-    // Closes now and reports whether the data reached the file.
-    bool closeChecked()
-    {
-        int fd = m_fd;
-        m_fd = -1;
-        return fd < 0 || close(fd) == 0;
-    }
-
-private:
-    int m_fd;
-};
 
 struct FileCloser {
     void operator()(FILE* f) const { (void)std::fclose(f); }
@@ -91,19 +63,19 @@ void makeLogDir()
 
 void pause(uint32_t ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
 
-Fd openForAppend(const char* path)
+UilFd openForAppend(const char* path)
 {
     for (uint32_t attempt = 0; attempt < g_stOperLogRetry.attempts; ++attempt) {
         if (attempt > 0) {
             pause(g_stOperLogRetry.delayMs);
         }
-        Fd fd(open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600));
-        if (fd) {
+        UilFd fd(open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600));
+        if (fd.valid()) {
             return fd;
         }
         makeLogDir();
     }
-    return Fd();
+    return UilFd();
 }
 
 void getUserName(char* out, size_t size)
@@ -147,39 +119,23 @@ void blankControlCharacters(std::string& line)
     }
 }
 
-bool writeAll(int fd, const std::string& data)
-{
-    size_t done = 0;
-    while (done < data.size()) {
-        ssize_t n = write(fd, data.data() + done, data.size() - done);
-        if (n < 0 && errno == EINTR) {
-            continue;
-        }
-        if (n <= 0) {
-            return false;
-        }
-        done += static_cast<size_t>(n);
-    }
-    return true;
-}
-
 // ---------------------------------------------------------------------------
 // Serial number file.
 
-Fd openSerialFile(const std::string& path)
+UilFd openSerialFile(const std::string& path)
 {
     // The file is never created here: without it there is no line at all.
     int openErrno = 0;
     for (uint32_t attempt = 0; attempt < g_stOperLogRetry.attempts; ++attempt) {
-        Fd fd(open(path.c_str(), O_RDWR | O_CLOEXEC));
-        if (fd) {
+        UilFd fd(open(path.c_str(), O_RDWR | O_CLOEXEC));
+        if (fd.valid()) {
             return fd;
         }
         openErrno = errno;
         makeLogDir();
     }
     errno = openErrno;
-    return Fd();
+    return UilFd();
 }
 
 bool readSerialFile(int fd, const std::string& path, std::string* content)
@@ -228,36 +184,6 @@ std::string overwriteStart(const std::string& content, int32_t serial)
         next += content.substr(next.size());
     }
     return next;
-}
-
-void syncDirectoryOf(const std::string& path)
-{
-    std::string dir = path.substr(0, path.rfind('/') + 1);
-    Fd fd(open(dir.empty() ? "." : dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (fd) {
-        (void)fsync(fd.get());
-    }
-}
-
-// Replaces `path` with `content`: the old file stays whole until the new
-// one, complete and on disk, is renamed over it.
-bool replaceFile(const std::string& path, const std::string& content, mode_t mode)
-{
-    std::string tmp = path + ".XXXXXX";
-    Fd fd(mkostemp(&tmp[0], O_CLOEXEC));
-    if (!fd) {
-        UIL_ERR("Create temporary file for [%s] failed: %s", path.c_str(), std::strerror(errno));
-        return false;
-    }
-    bool ok = fchmod(fd.get(), mode & 07777) == 0 && writeAll(fd.get(), content) && fsync(fd.get()) == 0;
-    ok = fd.closeChecked() && ok;
-    if (!ok || rename(tmp.c_str(), path.c_str()) != 0) {
-        UIL_ERR("Write file [%s] failed: %s", path.c_str(), std::strerror(errno));
-        (void)unlink(tmp.c_str());
-        return false;
-    }
-    syncDirectoryOf(path);
-    return true;
 }
 
 // ---------------------------------------------------------------------------
@@ -334,8 +260,8 @@ uint32_t UIL_IncreaseAndGetOperSN(uint32_t* serial)
         return MPI_RET_INVALID_PARAM;
     }
     std::string path = serialPath();
-    Fd fd = openSerialFile(path);
-    if (!fd) {
+    UilFd fd = openSerialFile(path);
+    if (!fd.valid()) {
         UIL_ERR("Open file [%s] failed: %s", path.c_str(), std::strerror(errno));
         return MPI_RET_FAIL;
     }
@@ -345,7 +271,7 @@ uint32_t UIL_IncreaseAndGetOperSN(uint32_t* serial)
         return MPI_RET_FAIL;
     }
     int32_t next = serialOf(content) + 1;
-    if (!replaceFile(path, overwriteStart(content, next), st.st_mode)) {
+    if (!UIL_ReplaceFile(path.c_str(), overwriteStart(content, next), st.st_mode)) {
         UIL_ERR("fseek file [%s] seek set failed", path.c_str());
         return MPI_RET_FAIL;
     }
@@ -358,8 +284,8 @@ uint32_t UIL_OperLog(const char* source, const char* verb, const char* command, 
 {
     UIL_ASSERT(source != NULL);
     const char* path = operLogPath();
-    Fd fd = openForAppend(path);
-    if (!fd) {
+    UilFd fd = openForAppend(path);
+    if (!fd.valid()) {
         UIL_ERR("Open oper log file [%s] failed", path);
         return UIL_OPERLOG_OPEN_FAIL;
     }
@@ -381,7 +307,7 @@ uint32_t UIL_OperLog(const char* source, const char* verb, const char* command, 
             english, localised, static_cast<unsigned>(result));
     blankControlCharacters(line);
     line += '\n';
-    if (!writeAll(fd.get(), line) || !fd.closeChecked()) {
+    if (!UIL_WriteAll(fd.get(), line) || !fd.closeChecked()) {
         UIL_ERR("Write oper log file [%s] failed: %s", path, std::strerror(errno));
         return MPI_RET_FAIL;
     }
