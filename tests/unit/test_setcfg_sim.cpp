@@ -1,78 +1,34 @@
 // The array and VLUN levels of the setting handlers against the simulated
-// host: they need the driver's arrays and VLUNs (serial numbers, VLUN
-// lists, WWNs, VLUN types).
-//
-// How it runs: started plainly (as ctest does), the binary makes a fresh
-// sandbox with `<build>/cvadm-sim --setup DIR` and re-executes itself with
-// CVADM_ROOT=DIR and LD_PRELOAD=<build>/sim/libcvsim.so, so that its driver
-// requests reach the driver model as cvadm's do. The child runs the tests
-// and removes the sandbox.
+// host (see support/sim_harness.h): they need the driver's arrays and VLUNs
+// (serial numbers, VLUN lists, WWNs, VLUN types).
 #include <gtest/gtest.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <optional>
-#include <regex>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "support/sim_harness.h"
 #include "test_cfg_support.h"
 #include "uil/uil.h"
 #include "uil/uil_objects.h"
 #include "uil/uil_setcfg.h"
 
-extern char** environ;
-
 namespace {
 
-namespace fs = std::filesystem;
 using cfgtest::deleteBytes;
 using cfgtest::notifyBytes;
 using cfgtest::readFile;
 using cfgtest::valueAt;
 using cfgtest::writeFile;
+using simtest::Request;
 
-constexpr const char kChildMark[] = "CVSETCFG_SIM_CHILD";
-
-std::string root() { return std::getenv("CVADM_ROOT"); }
-std::string cfgFile() { return root() + "/etc/user_cfg.xml"; }
-void setFaults(const std::string& lines) { writeFile(root() + "/sim/faults", lines); }
-void clearRequests() { writeFile(root() + "/sim/requests.log", ""); }
-
-struct Request {
-    uint32_t nr;
-    uint32_t result;
-    std::vector<uint8_t> in;
-};
+std::string cfgFile() { return simtest::root() + "/etc/user_cfg.xml"; }
 
 // The configuration requests (notify 70, delete 71) in the order sent.
 std::vector<Request> cfgRequests()
 {
-    std::vector<Request> all;
-    std::istringstream lines(readFile(root() + "/sim/requests.log"));
-    static const std::regex kLine(R"(nr=(\d+) code=\S+ size=\d+ result=(\d+) in=([0-9a-f]*) out=)");
-    for (std::string line; std::getline(lines, line);) {
-        std::smatch m;
-        if (!std::regex_search(line, m, kLine)) {
-            continue;
-        }
-        uint32_t nr = static_cast<uint32_t>(std::stoul(m[1]));
-        if (nr != 70 && nr != 71) {
-            continue;
-        }
-        std::string hex = m[3];
-        std::vector<uint8_t> bytes;
-        for (size_t i = 0; i + 1 < hex.size(); i += 2) {
-            bytes.push_back(static_cast<uint8_t>(std::stoul(hex.substr(i, 2), nullptr, 16)));
-        }
-        all.push_back({nr, static_cast<uint32_t>(std::stoul(m[2])), bytes});
-    }
+    std::vector<Request> all = simtest::requests();
+    std::erase_if(all, [](const Request& r) { return r.nr != 70 && r.nr != 71; });
     return all;
 }
 
@@ -106,12 +62,18 @@ std::string wwnOf(uint32_t vlunId)
     return wwn;
 }
 
-uint8_t typeOf(uint32_t vlunId)
+// The lowest VLUN ID of a type, as text ("" when the host has none).
+std::string firstVlunOfType(uint8_t type)
 {
-    VLunInfo vlun{};
-    uint8_t type = INTF_UIL_GetVLunInfoStart(vlunId, &vlun) == MPI_RET_SUCCESS ? vlun.type : 0;
-    INTF_UIL_GetVLunInfoEnd(&vlun);
-    return type;
+    for (uint32_t id = 0; id < 64; ++id) {
+        VLunInfo vlun{};
+        bool match = INTF_UIL_GetVLunInfoStart(id, &vlun) == MPI_RET_SUCCESS && vlun.type == type;
+        INTF_UIL_GetVLunInfoEnd(&vlun);
+        if (match) {
+            return std::to_string(id);
+        }
+    }
+    return "";
 }
 
 std::optional<std::string> lunValue(const std::string& wwn, const std::string& item)
@@ -145,8 +107,8 @@ protected:
     void SetUp() override
     {
         (void)UIL_CfgUnlockFile();
-        setFaults("");
-        clearRequests();
+        simtest::setFaults("");
+        simtest::clearRequests();
         array0 = vlunsOf(0);
         other = vlunsOf(1);
         ASSERT_GE(array0.size(), 2u) << "the default topology has VLUNs on array 0";
@@ -206,7 +168,7 @@ TEST_F(SetCfgSim, ArrayValueRemovesLunValuesFirst)
 TEST_F(SetCfgSim, FailedArrayWriteKeepsTheDeletions)
 {
     writeDocument({{wwnOf(array0[1]), "io_timeout", "99"}});
-    setFaults("70 code=1031\n");
+    simtest::setFaults("70 code=1031\n");
     UilOperLogPara record{};
     EXPECT_NE(INTF_UIL_SetIoRetryTimeOut("CLI", "array_id", "0", "300", &record), MPI_RET_SUCCESS);
     EXPECT_EQ(record.uiObjType, MPI_OBJ_ARRAY);
@@ -273,23 +235,9 @@ TEST_F(SetCfgSim, VlunValueGoesUnderItsWwn)
 TEST_F(SetCfgSim, SplitSizeNeedsADualSiteVlun)
 {
     writeDocument({});
-    uint32_t dualsite = 0;
-    uint32_t ordinary = 0;
-    bool haveDual = false;
-    bool haveOrdinary = false;
-    for (uint32_t id = 0; id < 64; ++id) {
-        uint8_t type = typeOf(id);
-        if (type == UIL_VLUN_TYPE_DUALSITE && !haveDual) {
-            dualsite = id;
-            haveDual = true;
-        } else if (type == UIL_VLUN_TYPE_ORDINARY && !haveOrdinary) {
-            ordinary = id;
-            haveOrdinary = true;
-        }
-    }
-    ASSERT_TRUE(haveDual && haveOrdinary) << "the default topology has both kinds";
-    std::string ordinaryId = std::to_string(ordinary);
-    std::string dualId = std::to_string(dualsite);
+    const std::string dualId = firstVlunOfType(UIL_VLUN_TYPE_DUALSITE);
+    const std::string ordinaryId = firstVlunOfType(UIL_VLUN_TYPE_ORDINARY);
+    ASSERT_FALSE(dualId.empty() || ordinaryId.empty()) << "the default topology has both kinds";
 
     UilOperLogPara record{};
     EXPECT_EQ(INTF_UIL_SetDsSpliteSize("CLI", "vlun_id", ordinaryId.c_str(), "2048", &record), UIL_RET_NOT_DUALSITE);
@@ -299,91 +247,10 @@ TEST_F(SetCfgSim, SplitSizeNeedsADualSiteVlun)
     EXPECT_TRUE(cfgRequests().empty());
 
     ASSERT_EQ(INTF_UIL_SetDsSpliteSize("CLI", "vlun_id", dualId.c_str(), "2048", &record), MPI_RET_SUCCESS);
-    EXPECT_EQ(lunValue(wwnOf(dualsite), "ds_split_size"), "2048");
+    EXPECT_EQ(lunValue(wwnOf(std::stoul(dualId)), "ds_split_size"), "2048");
     // Array and host keys are not checked for a type.
     ASSERT_EQ(INTF_UIL_SetDsSpliteSize("CLI", "", "", "4096", &record), MPI_RET_SUCCESS);
     EXPECT_EQ(valueAt(cfgFile(), "/cvcfg/common/ds_split_size"), "4096");
 }
 
-// ---------------------------------------------------------------------------
-// Start-up under the simulated host.
-
-std::string findBuildFile(const fs::path& from, const char* name)
-{
-    for (fs::path dir = from; !dir.empty() && dir != dir.root_path(); dir = dir.parent_path()) {
-        if (fs::exists(dir / name)) {
-            return dir / name;
-        }
-    }
-    return "";
-}
-
-int spawnAndWait(const std::vector<std::string>& args)
-{
-    std::vector<char*> argv;
-    for (const std::string& a : args) {
-        argv.push_back(const_cast<char*>(a.c_str()));
-    }
-    argv.push_back(nullptr);
-    pid_t pid = 0;
-    if (posix_spawn(&pid, argv[0], nullptr, nullptr, argv.data(), environ) != 0) {
-        return -1;
-    }
-    int status = 0;
-    if (waitpid(pid, &status, 0) != pid || !WIFEXITED(status)) {
-        return -1;
-    }
-    return WEXITSTATUS(status);
-}
-
-int relaunchUnderSim(char** argv)
-{
-    fs::path self = fs::read_symlink("/proc/self/exe");
-    std::string script = findBuildFile(self.parent_path(), "cvadm-sim");
-    std::string library = script.empty() ? "" : (fs::path(script).parent_path() / "sim" / "libcvsim.so").string();
-    if (script.empty() || !fs::exists(library)) {
-        std::fprintf(stderr, "test_setcfg_sim: cvadm-sim or sim/libcvsim.so not found above %s\n",
-                     self.parent_path().c_str());
-        return 1;
-    }
-    char dir[] = "/tmp/cvadm-setcfgsim-XXXXXX";
-    if (mkdtemp(dir) == nullptr) {
-        std::perror("mkdtemp");
-        return 1;
-    }
-    unsetenv("CVADM_ROOT");
-    if (spawnAndWait({script, "--setup", dir}) != 0) {
-        std::fprintf(stderr, "test_setcfg_sim: %s --setup %s failed\n", script.c_str(), dir);
-        return 1;
-    }
-    setenv("CVADM_ROOT", dir, 1);
-    setenv("LD_PRELOAD", library.c_str(), 1);
-    std::string asan = "verify_asan_link_order=0";
-    if (const char* old = std::getenv("ASAN_OPTIONS")) {
-        asan += std::string(":") + old;
-    }
-    setenv("ASAN_OPTIONS", asan.c_str(), 1);
-    setenv(kChildMark, "1", 1);
-    execv(self.c_str(), argv);
-    std::perror("execv");
-    return 1;
-}
-
 }  // namespace
-
-int main(int argc, char** argv)
-{
-    if (std::getenv(kChildMark) == nullptr) {
-        return relaunchUnderSim(argv);
-    }
-    ::testing::InitGoogleTest(&argc, argv);
-    if (INTF_UIL_Init() != MPI_RET_SUCCESS) {
-        std::fprintf(stderr, "test_setcfg_sim: the simulated device cannot be opened under %s\n", root().c_str());
-        return 1;
-    }
-    int rc = RUN_ALL_TESTS();
-    INTF_UIL_Fini();
-    std::error_code ignored;
-    fs::remove_all(root(), ignored);
-    return rc;
-}
