@@ -12,41 +12,22 @@
 #include <chrono>
 #include <random>
 
-#include "test_cfg_support.h"
+#include "support/cfg_fixture.h"
 
 using namespace cfgtest;
 
 namespace {
 
-class SandboxEnvironment : public testing::Environment {
-public:
-    void SetUp() override
-    {
-        (void)sandbox();
-        ASSERT_EQ(UIL_CfgInit(), MPI_RET_SUCCESS);
-    }
-    void TearDown() override
-    {
-        UIL_CfgFini();
-        fs::remove_all(sandbox());
-    }
-};
-[[maybe_unused]] testing::Environment* const kSandbox = testing::AddGlobalTestEnvironment(new SandboxEnvironment);
+[[maybe_unused]] testing::Environment* const kStore = testing::AddGlobalTestEnvironment(new StoreEnvironment);
 
 const char kDoc[] =
     "<?xml version=\"1.0\"?>\n<cvcfg><common><io_timeout>1000</io_timeout>"
     "<loadbalancemode>round-robin</loadbalancemode></common>"
     "<array><arraySN1><io_timeout>200</io_timeout></arraySN1></array><lun/></cvcfg>\n";
 
-class CfgProcesses : public testing::Test {
+class CfgProcesses : public StoreTest {
 protected:
-    void SetUp() override
-    {
-        (void)UIL_CfgUnlockFile();
-        fs::remove(bakPath());
-        writeFile(cfgPath(), kDoc);
-        FakeDriver::get().reset();
-    }
+    CfgProcesses() : StoreTest(kDoc) {}
 };
 
 void sleepMicros(long us)
@@ -128,7 +109,7 @@ TEST_F(CfgProcesses, SecondWriterRetriesOnceThenGivesUpCleanly)
         uint32_t rc;
     };
     for (const Case c : {Case{3500, MPI_RET_FAIL}, Case{800, MPI_RET_SUCCESS}}) {
-        SetUp();
+        restart();
         pid_t holder = holdLockElsewhere(c.holdMs);
         ASSERT_GT(holder, 0);
         auto start = std::chrono::steady_clock::now();
@@ -197,7 +178,7 @@ TEST_F(CfgProcesses, TwoRacingWritersNeverLoseASavedChange)
 {
     const Changes* racers[2] = {&kRacerA, &kRacerB};
     for (int round = 0; round < 2; ++round) {
-        SetUp();
+        restart();
         int start[2];
         ASSERT_EQ(pipe(start), 0);
         int out[2][2];

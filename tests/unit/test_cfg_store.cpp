@@ -11,43 +11,18 @@
 #include <cstring>
 #include <set>
 
-#include "test_cfg_support.h"
+#include "support/cfg_fixture.h"
 #include "uil/uil_cfg_int.h"
 
 using namespace cfgtest;
 
 namespace {
 
-class SandboxEnvironment : public testing::Environment {
-public:
-    void SetUp() override
-    {
-        (void)sandbox();
-        ASSERT_EQ(UIL_CfgInit(), MPI_RET_SUCCESS);
-    }
-    void TearDown() override
-    {
-        UIL_CfgFini();
-        fs::remove_all(sandbox());
-    }
-};
-[[maybe_unused]] testing::Environment* const kSandbox = testing::AddGlobalTestEnvironment(new SandboxEnvironment);
+[[maybe_unused]] testing::Environment* const kStore = testing::AddGlobalTestEnvironment(new StoreEnvironment);
 
-class CfgStore : public testing::Test {
+class CfgStore : public StoreTest {
 protected:
-    void SetUp() override
-    {
-        (void)UIL_CfgUnlockFile();
-        fs::remove(bakPath());
-        writeFile(cfgPath(), kSmallDoc);
-        FakeDriver::get().reset();
-    }
-    void TearDown() override
-    {
-        (void)UIL_CfgCloseFile(false);
-        (void)UIL_CfgUnlockFile();
-    }
-    FakeDriver& driver() { return FakeDriver::get(); }
+    CfgStore() : StoreTest(kSmallDoc) {}
 };
 
 // Whether another process could take the configuration lock now.
@@ -96,66 +71,47 @@ std::string readFromOtherProcess(const std::string& path)
 // ---------------------------------------------------------------------------
 // Value rules.
 
-struct ValueCase {
-    const char* item;
-    uint32_t section;
-    const char* value;
-    bool valid;
-};
-
+// An item is valid in its own sections only; its value by its rule.
 TEST_F(CfgStore, ItemValueRules)
 {
-    const std::string longText(63, 'x');
-    const ValueCase cases[] = {
-        {"io_timeout", 100, "0", false},
-        {"io_timeout", 100, "1", true},
-        {"io_timeout", 100, "2592000", true},
-        {"io_timeout", 100, "2592001", false},
-        {"io_timeout", 100, "+5", false},
-        {"io_timeout", 100, "-1", false},
-        {"io_timeout", 100, "5 ", false},
-        {"io_timeout", 100, " 5", false},
-        {"io_timeout", 100, "", false},
-        {"io_timeout", 100, "4294967296", false},  // converts to 0
-        {"workingmode", 100, "4294967296", true},  // converts to 0, within 0-1
-        {"workingmode", 100, "2", false},
-        {"io_timeout", 102, "30", true},
-        {"loadbalancemode", 101, "round-robin", true},
-        {"loadbalancemode", 101, "min-task", true},
-        {"loadbalancemode", 101, "Round-Robin", false},
-        {"loadbalancemode", 101, "", false},
-        {"tod_recover_time", 100, "1799", false},
-        {"tod_recover_time", 100, "1800", true},
-        {"io_latency_threshold", 100, "0", true},
-        {"io_latency_threshold", 100, "120001", false},
-        {"performance_record_starth", 100, "2147483647", true},
-        {"performance_record_starth", 100, "2147483648", false},
-        {"performance_record_startl", 100, "4294967295", true},
-        {"ds_mode", 102, "balance", true},
-        {"ds_mode", 102, "", true},
-        {"ds_primary", 100, longText.c_str(), true},
-        {"xva_remote", 101, "anything", true},
-        {"manual_io_timeout", 100, "", false},
-        {"apd_to_pdl_timeout", 100, "141", false},
-        {"sdd_threshold", 100, "99", false},
+    enum Want { kValid, kInvalid, kNoItem };
+    struct Case {
+        const char* item;
+        uint32_t section;
+        std::string value;
+        Want want;
     };
-    for (const ValueCase& c : cases) {
+    const Case cases[] = {
+        {"io_timeout", 100, "0", kInvalid},          {"io_timeout", 100, "1", kValid},
+        {"io_timeout", 100, "2592000", kValid},      {"io_timeout", 100, "2592001", kInvalid},
+        {"io_timeout", 100, "+5", kInvalid},         {"io_timeout", 100, "-1", kInvalid},
+        {"io_timeout", 100, "5 ", kInvalid},         {"io_timeout", 100, " 5", kInvalid},
+        {"io_timeout", 100, "", kInvalid},           {"io_timeout", 102, "30", kValid},
+        {"io_timeout", 100, "4294967296", kInvalid},  // converts to 0
+        {"workingmode", 100, "4294967296", kValid},   // converts to 0, within 0-1
+        {"workingmode", 100, "2", kInvalid},
+        {"loadbalancemode", 101, "round-robin", kValid}, {"loadbalancemode", 101, "min-task", kValid},
+        {"loadbalancemode", 101, "Round-Robin", kInvalid}, {"loadbalancemode", 101, "", kInvalid},
+        {"tod_recover_time", 100, "1799", kInvalid}, {"tod_recover_time", 100, "1800", kValid},
+        {"io_latency_threshold", 100, "0", kValid},  {"io_latency_threshold", 100, "120001", kInvalid},
+        {"performance_record_starth", 100, "2147483647", kValid},
+        {"performance_record_starth", 100, "2147483648", kInvalid},
+        {"performance_record_startl", 100, "4294967295", kValid},
+        {"ds_mode", 102, "balance", kValid},         {"ds_mode", 102, "", kValid},
+        {"ds_primary", 100, std::string(63, 'x'), kValid}, {"ds_primary", 100, std::string(64, 'x'), kInvalid},
+        {"xva_remote", 101, "anything", kValid},     {"manual_io_timeout", 100, "", kInvalid},
+        {"apd_to_pdl_timeout", 100, "141", kInvalid}, {"sdd_threshold", 100, "99", kInvalid},
+        {"xva_remote", 100, "", kNoItem},            {"tod_time", 101, "", kNoItem},
+        {"tod_time", 103, "", kNoItem},              {"Io_timeout", 100, "", kNoItem},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.item << "@" << c.section << "=" << c.value);
         const UilCfgItemDef* def = UIL_CfgGetItemDef(c.item, c.section);
-        ASSERT_NE(def, nullptr) << c.item;
-        EXPECT_EQ(UIL_CfgCheckItemValue(c.value, def), c.valid) << c.item << "=" << c.value;
+        ASSERT_EQ(def == nullptr, c.want == kNoItem);
+        if (def != nullptr) {
+            EXPECT_EQ(UIL_CfgCheckItemValue(c.value.c_str(), def), c.want == kValid);
+        }
     }
-    const UilCfgItemDef* dsPrimary = UIL_CfgGetItemDef("ds_primary", 100);
-    EXPECT_FALSE(UIL_CfgCheckItemValue((longText + "x").c_str(), dsPrimary));  // 64 characters
-}
-
-TEST_F(CfgStore, ItemsBelongToTheirSections)
-{
-    EXPECT_EQ(UIL_CfgGetItemDef("xva_remote", 100), nullptr);
-    EXPECT_NE(UIL_CfgGetItemDef("xva_remote", 101), nullptr);
-    EXPECT_EQ(UIL_CfgGetItemDef("tod_time", 101), nullptr);
-    EXPECT_EQ(UIL_CfgGetItemDef("tod_time", 103), nullptr);
-    EXPECT_EQ(UIL_CfgGetItemDef("Io_timeout", 100), nullptr);
-
     EXPECT_TRUE(INTF_UIL_CheckCfgValid("ioretry", "60"));
     EXPECT_FALSE(INTF_UIL_CheckCfgValid("ioretry", "61"));
     EXPECT_FALSE(INTF_UIL_CheckCfgValid("xva_remote", "x"));  // not a common item
@@ -163,15 +119,16 @@ TEST_F(CfgStore, ItemsBelongToTheirSections)
     EXPECT_FALSE(INTF_UIL_CheckCfgValid("ioretry", nullptr));
 }
 
+// Each item has a bit of its own (33 and 36 stay free), and every field of
+// the full record is read from an item that exists.
 TEST_F(CfgStore, ItemBitsAreUniqueAndFullConfigNamesExist)
 {
-    uint64_t seen = 0;
+    uint64_t seen = (uint64_t{1} << 33) | (uint64_t{1} << 36);
     for (const UilCfgItemDef& row : UIL_sastUserCfgItems) {
         EXPECT_EQ(row.ullItemBit & (row.ullItemBit - 1), 0u) << row.pszName;
         EXPECT_EQ(seen & row.ullItemBit, 0u) << row.pszName;
         seen |= row.ullItemBit;
     }
-    EXPECT_EQ(seen & ((uint64_t{1} << 33) | (uint64_t{1} << 36)), 0u);
     std::set<size_t> offsets;
     for (const UilFullCfgItem& row : UIL_sastFullCfgItems) {
         EXPECT_NE(UIL_CfgGetItemDef(row.pszItem, 100), nullptr) << row.pszItem;
@@ -198,20 +155,21 @@ TEST_F(CfgStore, BrokenDocumentsGiveCodesAndNeverReplaceTheBackup)
         {"wrong root", "<config><common/></config>", MPI_RET_FAIL},
     };
     for (const BrokenCase& c : cases) {
+        SCOPED_TRACE(c.name);
         writeFile(bakPath(), kSmallDoc);
         fs::remove(cfgPath());
         if (c.content) {
             writeFile(cfgPath(), *c.content);
         }
-        EXPECT_EQ(UIL_CfgOpenFile(false), c.rc) << c.name;
-        EXPECT_EQ(UIL_CfgOpenFile(true), c.rc) << c.name;
-        EXPECT_EQ(UIL_SetCommonConfig("ioretry", "5"), c.rc) << c.name;
-        EXPECT_EQ(readFile(bakPath()), kSmallDoc) << c.name;
-        EXPECT_EQ(fs::exists(cfgPath()), c.content.has_value()) << c.name;
+        EXPECT_EQ(UIL_CfgOpenFile(false), c.rc);
+        EXPECT_EQ(UIL_CfgOpenFile(true), c.rc);
+        EXPECT_EQ(UIL_SetCommonConfig("ioretry", "5"), c.rc);
+        EXPECT_EQ(readFile(bakPath()), kSmallDoc);
+        EXPECT_EQ(fs::exists(cfgPath()), c.content.has_value());
         if (c.content) {
-            EXPECT_EQ(readFile(cfgPath()), *c.content) << c.name;
+            EXPECT_EQ(readFile(cfgPath()), *c.content);
         }
-        EXPECT_TRUE(driver().sent.empty()) << c.name;
+        EXPECT_TRUE(driver().sent.empty());
         (void)UIL_CfgUnlockFile();
     }
 }
@@ -256,33 +214,30 @@ const LevelCase kLevels[] = {
      true},
 };
 
+// At each level the driver hears of the change while the file still holds
+// the old document, and a change it refuses never reaches the file.
 TEST_F(CfgStore, DriverHearsBeforeTheFileHoldsTheChange)
 {
     for (const LevelCase& c : kLevels) {
-        SetUp();
-        ASSERT_EQ(c.set(c.key, "io_timeout", "77"), MPI_RET_SUCCESS) << c.name;
-        ASSERT_EQ(driver().sent.size(), 1u) << c.name;
+        SCOPED_TRACE(c.name);
+        restart();
+        ASSERT_EQ(c.set(c.key, "io_timeout", "77"), MPI_RET_SUCCESS);
+        ASSERT_EQ(driver().sent.size(), 1u);
         const Sent& s = driver().sent[0];
         EXPECT_EQ(s.code, kNotifyCode);
-        EXPECT_EQ(s.bytes, notifyBytes(c.type, c.key, {{"io_timeout", "77"}})) << c.name;
-        EXPECT_EQ(s.fileAtSend, kSmallDoc) << c.name;  // not yet saved when the driver heard
-        EXPECT_EQ(valueAt(cfgPath(), c.xpath), "77") << c.name;
-        EXPECT_EQ(readFile(bakPath()), kSmallDoc) << c.name;
-        EXPECT_TRUE(lockFreeForOthers()) << c.name;
-    }
-}
+        EXPECT_EQ(s.bytes, notifyBytes(c.type, c.key, {{"io_timeout", "77"}}));
+        EXPECT_EQ(s.fileAtSend, kSmallDoc);
+        EXPECT_EQ(valueAt(cfgPath(), c.xpath), "77");
+        EXPECT_EQ(readFile(bakPath()), kSmallDoc);
+        EXPECT_TRUE(lockFreeForOthers());
 
-TEST_F(CfgStore, RefusedChangeNeverReachesTheFile)
-{
-    for (const LevelCase& c : kLevels) {
-        SetUp();
+        restart();
         driver().resultByNr[70] = MPI_RET_IOCTL_FAIL;
-        EXPECT_EQ(c.set(c.key, "io_timeout", "77"), MPI_RET_FAIL) << c.name;
-        EXPECT_EQ(driver().count(kNotifyCode), 1u) << c.name;
-        EXPECT_EQ(readFile(cfgPath()), kSmallDoc) << c.name;
+        EXPECT_EQ(c.set(c.key, "io_timeout", "77"), MPI_RET_FAIL);
+        EXPECT_EQ(driver().count(kNotifyCode), 1u);
+        EXPECT_EQ(readFile(cfgPath()), kSmallDoc);
         // The array change drops the lock; the others keep it to process exit.
-        EXPECT_EQ(lockFreeForOthers(), !c.lockKeptWhenRefused) << c.name;
-        TearDown();
+        EXPECT_EQ(lockFreeForOthers(), !c.lockKeptWhenRefused);
     }
 }
 
@@ -394,15 +349,12 @@ TEST_F(CfgStore, DeletingAnItemOrAnInstance)
     EXPECT_EQ(driver().sent[0].bytes, deleteBytes(102, "W1", "io_timeout"));
     EXPECT_EQ(driver().sent[0].fileAtSend, kLevelsDoc);
     EXPECT_EQ(driver().sent[1].bytes, deleteBytes(101, "SN1", ""));
-}
 
-TEST_F(CfgStore, RefusedDeleteLeavesTheFile)
-{
+    restart();
     writeFile(cfgPath(), kLevelsDoc);
     driver().resultByNr[71] = MPI_RET_IOCTL_FAIL;
-    UilOperLogPara rec{};
     EXPECT_EQ(INTF_UIL_DelLunConfig("CLI", 4, "W1", nullptr, &rec), MPI_RET_FAIL);
-    EXPECT_EQ(readFile(cfgPath()), kLevelsDoc);
+    EXPECT_EQ(readFile(cfgPath()), kLevelsDoc) << "a refused delete leaves the file";
     EXPECT_TRUE(lockFreeForOthers());
 }
 
@@ -419,9 +371,9 @@ TEST_F(CfgStore, EffectiveValueFallsBackFromLunToArrayToCommon)
         const char* expected;
     };
     const Case cases[] = {
-        {"W1", "SN1", "io_timeout", "300"}, {"W2", "SN1", "io_timeout", "200"}, {"W2", "SN2", "io_timeout", "100"},
-        {"", nullptr, "io_timeout", "100"}, {"W1", "SN1", "loadbalancemode", "min-task"},
-        {"W1", "SN1", "ioretry", ""},  // nowhere
+        {"W1", "SN1", "io_timeout", "300"},         {"W2", "SN1", "io_timeout", "200"},
+        {"W2", "SN2", "io_timeout", "100"},         {"", nullptr, "io_timeout", "100"},
+        {"W1", "SN1", "loadbalancemode", "min-task"}, {"W1", "SN1", "ioretry", ""},  // nowhere
         {"bad/wwn", "SN1", "io_timeout", "200"},
     };
     ASSERT_EQ(UIL_CfgOpenFile(false), MPI_RET_SUCCESS);
@@ -578,22 +530,6 @@ TEST_F(CfgStore, ParseAbortsOnARefusalButSavesWhatItCleaned)
     EXPECT_TRUE(valuesAt(cfgPath(), "/cvcfg/common/bogus").empty());
     EXPECT_EQ(valueAt(cfgPath(), "/cvcfg/lun/lunW1/luntrespass"), "0");
     EXPECT_TRUE(lockFreeForOthers());
-}
-
-TEST_F(CfgStore, InitialSandboxDocumentIsCleanAndComplete)
-{
-    fs::path source = fs::path(__FILE__).parent_path().parent_path().parent_path();
-    std::string initial = readFile(source / "sim/topology/user_cfg.xml");
-    ASSERT_FALSE(initial.empty());
-    writeFile(cfgPath(), initial);
-    ASSERT_EQ(INTF_UIL_CfgParse(), MPI_RET_SUCCESS);
-    EXPECT_EQ(valuesAt(cfgPath(), "/cvcfg/common/*").size(), 38u);  // nothing removed
-    for (const UilCfgItemDef& row : UIL_sastUserCfgItems) {
-        std::optional<std::string> v = valueAt(cfgPath(), std::string("/cvcfg/common/") + row.pszName);
-        if (v) {
-            EXPECT_EQ(*v, row.pszDefault) << row.pszName;
-        }
-    }
 }
 
 // ---------------------------------------------------------------------------
