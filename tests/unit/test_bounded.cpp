@@ -81,76 +81,18 @@ TEST(BoundedArgs, MemsetChecksCapacityThenDestination)
 }
 
 // ---------------------------------------------------------------------------
-// Memory routines, run inside one arena so that overlap in both directions
-// can be set up.
-
-constexpr const char* kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZ012345";
-
-struct MemcpyRow {
-    size_t destOff;
-    uint64_t capacity;
-    size_t srcOff;
-    uint64_t count;
-    int32_t rc;
-    const char* after;
-};
-
-constexpr MemcpyRow kMemcpyRows[] = {
-    {0, 8, 16, 4, EOK, "QRSTEFGHIJKLMNOPQRSTUVWXYZ012345"},
-    {0, 4, 16, 4, EOK, "QRSTEFGHIJKLMNOPQRSTUVWXYZ012345"},  // count == capacity
-    {0, 8, 16, 0, EOK, "ABCDEFGHIJKLMNOPQRSTUVWXYZ012345"},
-    {0, 8, 16, 9, BND_ERANGE_RESET, "........IJKLMNOPQRSTUVWXYZ012345"},
-    {4, 8, 4, 8, EOK, "ABCDEFGHIJKLMNOPQRSTUVWXYZ012345"},  // same address
-    {4, 8, 0, 8, BND_EOVERLAP_RESET, "ABCD........MNOPQRSTUVWXYZ012345"},  // source below
-    {0, 8, 4, 8, BND_EOVERLAP_RESET, "........IJKLMNOPQRSTUVWXYZ012345"},  // source above
-    {0, 8, 7, 8, BND_EOVERLAP_RESET, "........IJKLMNOPQRSTUVWXYZ012345"},  // one shared byte
-    {0, 8, 8, 8, EOK, "IJKLMNOPIJKLMNOPQRSTUVWXYZ012345"},  // adjacent
-    {8, 8, 0, 8, EOK, "ABCDEFGHABCDEFGHQRSTUVWXYZ012345"},
-    {8, 16, 0, 8, EOK, "ABCDEFGHABCDEFGHQRSTUVWXYZ012345"},  // only count bytes count
-};
-
-TEST(BoundedMemory, MemcpyTable)
-{
-    for (const MemcpyRow& row : kMemcpyRows) {
-        SCOPED_TRACE(testing::Message() << "dest+" << row.destOff << " cap " << row.capacity << " src+"
-                                        << row.srcOff << " count " << row.count);
-        std::vector<char> bytes = arena(kLetters);
-        EXPECT_EQ(memcpy_s(bytes.data() + row.destOff, row.capacity, bytes.data() + row.srcOff, row.count), row.rc);
-        EXPECT_EQ(shown(bytes), row.after);
-    }
-}
-
-struct MemsetRow {
-    uint64_t capacity;
-    int byte;
-    uint64_t count;
-    int32_t rc;
-    const char* after;
-};
-
-constexpr MemsetRow kMemsetRows[] = {
-    {8, '*', 4, EOK, "****EFGHIJKL"},
-    {8, '*', 8, EOK, "********IJKL"},
-    {8, '*', 0, EOK, "ABCDEFGHIJKL"},
-    {8, 0, 16, BND_ERANGE_RESET, "........IJKL"},
-    {8, '*', 9, BND_ERANGE_RESET, "********IJKL"},  // the byte asked for, not zero
-};
-
-TEST(BoundedMemory, MemsetTable)
-{
-    for (const MemsetRow& row : kMemsetRows) {
-        SCOPED_TRACE(testing::Message() << "cap " << row.capacity << " count " << row.count);
-        std::vector<char> bytes = arena("ABCDEFGHIJKL");
-        EXPECT_EQ(memset_s(bytes.data(), row.capacity, row.byte, row.count), row.rc);
-        EXPECT_EQ(shown(bytes), row.after);
-    }
-}
-
-// ---------------------------------------------------------------------------
-// String routines with separate source and destination.
+// Copies, appends and fills, run inside one arena: the destination at
+// destOff, the source at srcOff of the same bytes, so that overlap can be set
+// up in both directions, or a text of its own when `src` is given. For the
+// string routines overlap is judged on the text actually copied, terminator
+// included.
 
 using CountedRoutine = int32_t (*)(char* dest, uint64_t capacity, const char* src, uint64_t count);
 
+constexpr CountedRoutine kMemcpy = [](char* d, uint64_t c, const char* s, uint64_t n) { return memcpy_s(d, c, s, n); };
+constexpr CountedRoutine kMemset = [](char* d, uint64_t c, const char* s, uint64_t n) {
+    return memset_s(d, c, s[0], n);
+};
 constexpr CountedRoutine kStrcpy = [](char* d, uint64_t c, const char* s, uint64_t) { return strcpy_s(d, c, s); };
 constexpr CountedRoutine kStrncpy = [](char* d, uint64_t c, const char* s, uint64_t n) {
     return strncpy_s(d, c, s, n);
@@ -160,106 +102,111 @@ constexpr CountedRoutine kStrncat = [](char* d, uint64_t c, const char* s, uint6
     return strncat_s(d, c, s, n);
 };
 
-struct StringRow {
+struct CallRow {
     const char* name;
     CountedRoutine call;
-    const char* before;  // 12 bytes of destination, '.' for NUL
-    uint64_t capacity;
-    const char* src;
-    uint64_t count;
-    int32_t rc;
-    const char* after;
-};
-
-constexpr StringRow kStringRows[] = {
-    {"strcpy", kStrcpy, "############", 8, "abc", 0, EOK, "abc.########"},
-    {"strcpy fits exactly", kStrcpy, "############", 4, "abc", 0, EOK, "abc.########"},
-    {"strcpy too long", kStrcpy, "############", 4, "abcd", 0, BND_ERANGE_RESET, ".###########"},
-    {"strcpy empty", kStrcpy, "############", 8, "", 0, EOK, ".###########"},
-    {"strncpy cut by count", kStrncpy, "############", 8, "abcdef", 3, EOK, "abc.########"},
-    {"strncpy count past text", kStrncpy, "############", 8, "abc", 10, EOK, "abc.########"},
-    {"strncpy cut fits", kStrncpy, "############", 4, "abcdef", 3, EOK, "abc.########"},
-    {"strncpy cut too long", kStrncpy, "############", 4, "abcdef", 4, BND_ERANGE_RESET, ".###########"},
-    {"strncpy huge count", kStrncpy, "############", 4, "abcdef", UINT64_MAX, BND_ERANGE_RESET, ".###########"},
-    {"strncpy zero count", kStrncpy, "############", 8, "abc", 0, EOK, ".###########"},
-    {"strcat", kStrcat, "ab.#########", 8, "cde", 0, EOK, "abcde.######"},
-    {"strcat fits exactly", kStrcat, "ab.#########", 6, "cde", 0, EOK, "abcde.######"},
-    {"strcat no room", kStrcat, "ab.#########", 5, "cde", 0, BND_ERANGE_RESET, ".b.#########"},
-    {"strcat onto empty", kStrcat, ".###########", 4, "abc", 0, EOK, "abc.########"},
-    {"strcat unterminated", kStrcat, "############", 8, "c", 0, BND_EINVAL_RESET, ".###########"},
-    {"strcat NUL past capacity", kStrcat, "abcdefg.####", 7, "h", 0, BND_EINVAL_RESET, ".bcdefg.####"},
-    {"strncat", kStrncat, "ab.#########", 8, "cdef", 2, EOK, "abcd.#######"},
-    {"strncat fits exactly", kStrncat, "ab.#########", 5, "cdef", 2, EOK, "abcd.#######"},
-    {"strncat no room", kStrncat, "ab.#########", 4, "cdef", 2, BND_ERANGE_RESET, ".b.#########"},
-    {"strncat count past text", kStrncat, "ab.#########", 8, "cd", 10, EOK, "abcd.#######"},
-    {"strncat zero count", kStrncat, "ab.#########", 8, "cd", 0, EOK, "ab.#########"},
-    {"strncat unterminated", kStrncat, "############", 8, "cd", 1, BND_EINVAL_RESET, ".###########"},
-};
-
-TEST(BoundedString, CopyAndAppendTable)
-{
-    for (const StringRow& row : kStringRows) {
-        SCOPED_TRACE(row.name);
-        std::vector<char> dest = arena(row.before);
-        EXPECT_EQ(row.call(dest.data(), row.capacity, row.src, row.count), row.rc);
-        EXPECT_EQ(shown(dest), row.after);
-    }
-}
-
-TEST(BoundedString, StrncpyCutsLongTextAtCount)
-{
-    const std::string text(70, 's');
-    char dest[80];
-    std::memset(dest, '#', sizeof dest);
-    EXPECT_EQ(strncpy_s(dest, 64, text.c_str(), 63), EOK);
-    EXPECT_EQ(shown(dest, 65), std::string(63, 's') + ".#");
-}
-
-// Source and destination inside one arena; the overlap is judged on the text
-// actually copied, terminator included.
-struct OverlapRow {
-    const char* name;
-    CountedRoutine call;
-    const char* before;
+    const char* before;  // the arena, '.' for NUL
     size_t destOff;
     uint64_t capacity;
+    const char* src;  // nullptr: the source is in the arena at srcOff
     size_t srcOff;
     uint64_t count;
     int32_t rc;
     const char* after;
 };
 
-constexpr OverlapRow kOverlapRows[] = {
-    {"strcpy source above", kStrcpy, "abcdef.#########", 0, 8, 2, 0, BND_EOVERLAP_RESET, ".bcdef.#########"},
-    {"strcpy source below", kStrcpy, "abcdef.#########", 3, 8, 0, 0, BND_EOVERLAP_RESET, "abc.ef.#########"},
-    {"strcpy same address", kStrcpy, "abcdef.#########", 0, 8, 0, 0, BND_EOVERLAP_RESET, ".bcdef.#########"},
-    {"strcpy adjacent", kStrcpy, "abc.############", 4, 8, 0, 0, EOK, "abc.abc.########"},
-    {"strncpy cut clear of source", kStrncpy, "abcdef.#########", 4, 8, 0, 3, EOK, "abcdabc.########"},
-    {"strncpy cut onto source", kStrncpy, "abcdef.#########", 4, 8, 0, 4, BND_EOVERLAP_RESET, "abcd.f.#########"},
-    {"strcat itself", kStrcat, "ab.#############", 0, 8, 0, 0, BND_EOVERLAP_RESET, ".b.#############"},
-    {"strcat tail of own text", kStrcat, "abcd.###########", 0, 16, 2, 0, BND_EOVERLAP_RESET,
+constexpr const char* kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZ012345";
+constexpr const char* kHashes = "############";
+
+constexpr CallRow kCallRows[] = {
+    {"memcpy", kMemcpy, kLetters, 0, 8, nullptr, 16, 4, EOK, "QRSTEFGHIJKLMNOPQRSTUVWXYZ012345"},
+    {"memcpy count == capacity", kMemcpy, kLetters, 0, 4, nullptr, 16, 4, EOK, "QRSTEFGHIJKLMNOPQRSTUVWXYZ012345"},
+    {"memcpy nothing", kMemcpy, kLetters, 0, 8, nullptr, 16, 0, EOK, "ABCDEFGHIJKLMNOPQRSTUVWXYZ012345"},
+    {"memcpy too long", kMemcpy, kLetters, 0, 8, nullptr, 16, 9, BND_ERANGE_RESET, "........IJKLMNOPQRSTUVWXYZ012345"},
+    {"memcpy same address", kMemcpy, kLetters, 4, 8, nullptr, 4, 8, EOK, "ABCDEFGHIJKLMNOPQRSTUVWXYZ012345"},
+    {"memcpy source below", kMemcpy, kLetters, 4, 8, nullptr, 0, 8, BND_EOVERLAP_RESET,
+     "ABCD........MNOPQRSTUVWXYZ012345"},
+    {"memcpy source above", kMemcpy, kLetters, 0, 8, nullptr, 4, 8, BND_EOVERLAP_RESET,
+     "........IJKLMNOPQRSTUVWXYZ012345"},
+    {"memcpy one shared byte", kMemcpy, kLetters, 0, 8, nullptr, 7, 8, BND_EOVERLAP_RESET,
+     "........IJKLMNOPQRSTUVWXYZ012345"},
+    {"memcpy adjacent", kMemcpy, kLetters, 0, 8, nullptr, 8, 8, EOK, "IJKLMNOPIJKLMNOPQRSTUVWXYZ012345"},
+    {"memcpy adjacent below", kMemcpy, kLetters, 8, 8, nullptr, 0, 8, EOK, "ABCDEFGHABCDEFGHQRSTUVWXYZ012345"},
+    {"memcpy only count bytes count", kMemcpy, kLetters, 8, 16, nullptr, 0, 8, EOK,
+     "ABCDEFGHABCDEFGHQRSTUVWXYZ012345"},
+    {"memset", kMemset, "ABCDEFGHIJKL", 0, 8, "*", 0, 4, EOK, "****EFGHIJKL"},
+    {"memset whole", kMemset, "ABCDEFGHIJKL", 0, 8, "*", 0, 8, EOK, "********IJKL"},
+    {"memset nothing", kMemset, "ABCDEFGHIJKL", 0, 8, "*", 0, 0, EOK, "ABCDEFGHIJKL"},
+    {"memset zero too long", kMemset, "ABCDEFGHIJKL", 0, 8, "", 0, 16, BND_ERANGE_RESET, "........IJKL"},
+    {"memset too long fills the byte asked for", kMemset, "ABCDEFGHIJKL", 0, 8, "*", 0, 9, BND_ERANGE_RESET,
+     "********IJKL"},
+    {"strcpy", kStrcpy, kHashes, 0, 8, "abc", 0, 0, EOK, "abc.########"},
+    {"strcpy fits exactly", kStrcpy, kHashes, 0, 4, "abc", 0, 0, EOK, "abc.########"},
+    {"strcpy too long", kStrcpy, kHashes, 0, 4, "abcd", 0, 0, BND_ERANGE_RESET, ".###########"},
+    {"strcpy empty", kStrcpy, kHashes, 0, 8, "", 0, 0, EOK, ".###########"},
+    {"strncpy cut by count", kStrncpy, kHashes, 0, 8, "abcdef", 0, 3, EOK, "abc.########"},
+    {"strncpy count past text", kStrncpy, kHashes, 0, 8, "abc", 0, 10, EOK, "abc.########"},
+    {"strncpy cut fits", kStrncpy, kHashes, 0, 4, "abcdef", 0, 3, EOK, "abc.########"},
+    {"strncpy cut too long", kStrncpy, kHashes, 0, 4, "abcdef", 0, 4, BND_ERANGE_RESET, ".###########"},
+    {"strncpy huge count", kStrncpy, kHashes, 0, 4, "abcdef", 0, UINT64_MAX, BND_ERANGE_RESET, ".###########"},
+    {"strncpy zero count", kStrncpy, kHashes, 0, 8, "abc", 0, 0, EOK, ".###########"},
+    {"strcat", kStrcat, "ab.#########", 0, 8, "cde", 0, 0, EOK, "abcde.######"},
+    {"strcat fits exactly", kStrcat, "ab.#########", 0, 6, "cde", 0, 0, EOK, "abcde.######"},
+    {"strcat no room", kStrcat, "ab.#########", 0, 5, "cde", 0, 0, BND_ERANGE_RESET, ".b.#########"},
+    {"strcat onto empty", kStrcat, ".###########", 0, 4, "abc", 0, 0, EOK, "abc.########"},
+    {"strcat unterminated", kStrcat, kHashes, 0, 8, "c", 0, 0, BND_EINVAL_RESET, ".###########"},
+    {"strcat NUL past capacity", kStrcat, "abcdefg.####", 0, 7, "h", 0, 0, BND_EINVAL_RESET, ".bcdefg.####"},
+    {"strncat", kStrncat, "ab.#########", 0, 8, "cdef", 0, 2, EOK, "abcd.#######"},
+    {"strncat fits exactly", kStrncat, "ab.#########", 0, 5, "cdef", 0, 2, EOK, "abcd.#######"},
+    {"strncat no room", kStrncat, "ab.#########", 0, 4, "cdef", 0, 2, BND_ERANGE_RESET, ".b.#########"},
+    {"strncat count past text", kStrncat, "ab.#########", 0, 8, "cd", 0, 10, EOK, "abcd.#######"},
+    {"strncat zero count", kStrncat, "ab.#########", 0, 8, "cd", 0, 0, EOK, "ab.#########"},
+    {"strncat unterminated", kStrncat, kHashes, 0, 8, "cd", 0, 1, BND_EINVAL_RESET, ".###########"},
+    {"strcpy source above", kStrcpy, "abcdef.#########", 0, 8, nullptr, 2, 0, BND_EOVERLAP_RESET, ".bcdef.#########"},
+    {"strcpy source below", kStrcpy, "abcdef.#########", 3, 8, nullptr, 0, 0, BND_EOVERLAP_RESET, "abc.ef.#########"},
+    {"strcpy same address", kStrcpy, "abcdef.#########", 0, 8, nullptr, 0, 0, BND_EOVERLAP_RESET, ".bcdef.#########"},
+    {"strcpy adjacent", kStrcpy, "abc.############", 4, 8, nullptr, 0, 0, EOK, "abc.abc.########"},
+    {"strncpy cut clear of source", kStrncpy, "abcdef.#########", 4, 8, nullptr, 0, 3, EOK, "abcdabc.########"},
+    {"strncpy cut onto source", kStrncpy, "abcdef.#########", 4, 8, nullptr, 0, 4, BND_EOVERLAP_RESET,
+     "abcd.f.#########"},
+    {"strcat itself", kStrcat, "ab.#############", 0, 8, nullptr, 0, 0, BND_EOVERLAP_RESET, ".b.#############"},
+    {"strcat tail of own text", kStrcat, "abcd.###########", 0, 16, nullptr, 2, 0, BND_EOVERLAP_RESET,
      ".bcd.###########"},
-    {"strcat source past NUL", kStrcat, "ab.cd.##########", 0, 16, 3, 0, BND_EOVERLAP_RESET,
+    {"strcat source past NUL", kStrcat, "ab.cd.##########", 0, 16, nullptr, 3, 0, BND_EOVERLAP_RESET,
      ".b.cd.##########"},
-    {"strcat source clear", kStrcat, "ab.#####cd.#####", 0, 8, 8, 0, EOK, "abcd.###cd.#####"},
-    {"strcat source below", kStrcat, "cd.ab.##########", 3, 8, 0, 0, EOK, "cd.abcd.########"},
-    {"strcat source runs into dest", kStrcat, "cdab.###########", 2, 8, 0, 0, BND_EOVERLAP_RESET,
+    {"strcat source clear", kStrcat, "ab.#####cd.#####", 0, 8, nullptr, 8, 0, EOK, "abcd.###cd.#####"},
+    {"strcat source below", kStrcat, "cd.ab.##########", 3, 8, nullptr, 0, 0, EOK, "cd.abcd.########"},
+    {"strcat source runs into dest", kStrcat, "cdab.###########", 2, 8, nullptr, 0, 0, BND_EOVERLAP_RESET,
      "cd.b.###########"},
-    {"strncat source inside own text", kStrncat, "abcd.###########", 0, 16, 1, 1, BND_EOVERLAP_RESET,
+    {"strncat source inside own text", kStrncat, "abcd.###########", 0, 16, nullptr, 1, 1, BND_EOVERLAP_RESET,
      ".bcd.###########"},
-    {"strncat cut clear", kStrncat, "ab.##cdef.######", 0, 5, 5, 2, EOK, "abcd.cdef.######"},
-    {"strncat cut onto source", kStrncat, "ab.##cdef.######", 0, 6, 5, 3, BND_EOVERLAP_RESET,
+    {"strncat cut clear", kStrncat, "ab.##cdef.######", 0, 5, nullptr, 5, 2, EOK, "abcd.cdef.######"},
+    {"strncat cut onto source", kStrncat, "ab.##cdef.######", 0, 6, nullptr, 5, 3, BND_EOVERLAP_RESET,
      ".b.##cdef.######"},
 };
 
-TEST(BoundedString, OverlapTable)
+TEST(BoundedCopy, CallTable)
 {
-    for (const OverlapRow& row : kOverlapRows) {
+    for (const CallRow& row : kCallRows) {
         SCOPED_TRACE(row.name);
         std::vector<char> bytes = arena(row.before);
-        EXPECT_EQ(row.call(bytes.data() + row.destOff, row.capacity, bytes.data() + row.srcOff, row.count), row.rc);
+        const char* src = row.src != nullptr ? row.src : bytes.data() + row.srcOff;
+        EXPECT_EQ(row.call(bytes.data() + row.destOff, row.capacity, src, row.count), row.rc);
         EXPECT_EQ(shown(bytes), row.after);
     }
+}
+
+// Long texts are cut at the count, not at some internal buffer.
+TEST(BoundedCopy, LongTextsAreCutAtTheCount)
+{
+    const std::string text(100, 't');
+    char dest[80];
+    std::memset(dest, '#', sizeof dest);
+    EXPECT_EQ(strncpy_s(dest, 64, text.c_str(), 63), EOK);
+    EXPECT_EQ(shown(dest, 65), std::string(63, 't') + ".#");
+    std::memset(dest, '#', sizeof dest);
+    EXPECT_EQ(snprintf_s(dest, 65, 64, " %s", text.c_str()), -1);
+    EXPECT_EQ(shown(dest, 66), " " + std::string(63, 't') + ".#");
 }
 
 // ---------------------------------------------------------------------------
@@ -339,57 +286,39 @@ TEST(BoundedStrtok, AbsentArgumentsGiveNothing)
 // Formatting. The output "ab-42" has 5 characters.
 
 struct FormatRow {
+    bool counted;  // snprintf_s with `count`, else sprintf_s
     uint64_t capacity;
     uint64_t count;
     int rc;
     const char* after;  // 8 bytes
 };
 
-constexpr FormatRow kSprintfRows[] = {
-    {16, 0, 5, "ab-42.##"},
-    {6, 0, 5, "ab-42.##"},
-    {5, 0, -1, ".b-4.###"},  // vsnprintf wrote "ab-4" before the reset
-    {1, 0, -1, ".#######"},
+constexpr FormatRow kFormatRows[] = {
+    {false, 16, 0, 5, "ab-42.##"},
+    {false, 6, 0, 5, "ab-42.##"},
+    {false, 5, 0, -1, ".b-4.###"},  // vsnprintf wrote "ab-4" before the reset
+    {false, 1, 0, -1, ".#######"},
+    {true, 16, 16, 5, "ab-42.##"},
+    {true, 16, 5, 5, "ab-42.##"},
+    {true, 6, 5, 5, "ab-42.##"},
+    {true, 6, 99, 5, "ab-42.##"},
+    {true, 16, 4, -1, "ab-4.###"},  // cut by count, kept
+    {true, 4, 10, -1, "ab-.####"},  // cut by capacity, kept
+    {true, 16, 0, -1, ".#######"},
+    {true, 1, 10, -1, ".#######"},
 };
 
-TEST(BoundedFormat, SprintfTable)
+TEST(BoundedFormat, FormatTable)
 {
-    for (const FormatRow& row : kSprintfRows) {
-        SCOPED_TRACE(testing::Message() << "cap " << row.capacity);
+    for (const FormatRow& row : kFormatRows) {
+        SCOPED_TRACE(testing::Message() << (row.counted ? "snprintf" : "sprintf") << " cap " << row.capacity
+                                        << " count " << row.count);
         std::vector<char> dest = arena("########");
-        EXPECT_EQ(sprintf_s(dest.data(), row.capacity, "%s-%d", "ab", 42), row.rc);
+        EXPECT_EQ(row.counted ? snprintf_s(dest.data(), row.capacity, row.count, "%s-%d", "ab", 42)
+                              : sprintf_s(dest.data(), row.capacity, "%s-%d", "ab", 42),
+                  row.rc);
         EXPECT_EQ(shown(dest), row.after);
     }
-}
-
-constexpr FormatRow kSnprintfRows[] = {
-    {16, 16, 5, "ab-42.##"},
-    {16, 5, 5, "ab-42.##"},
-    {6, 5, 5, "ab-42.##"},
-    {6, 99, 5, "ab-42.##"},
-    {16, 4, -1, "ab-4.###"},  // cut by count, kept
-    {4, 10, -1, "ab-.####"},  // cut by capacity, kept
-    {16, 0, -1, ".#######"},
-    {1, 10, -1, ".#######"},
-};
-
-TEST(BoundedFormat, SnprintfTable)
-{
-    for (const FormatRow& row : kSnprintfRows) {
-        SCOPED_TRACE(testing::Message() << "cap " << row.capacity << " count " << row.count);
-        std::vector<char> dest = arena("########");
-        EXPECT_EQ(snprintf_s(dest.data(), row.capacity, row.count, "%s-%d", "ab", 42), row.rc);
-        EXPECT_EQ(shown(dest), row.after);
-    }
-}
-
-TEST(BoundedFormat, SnprintfKeepsCountCharactersOfLongText)
-{
-    const std::string text(100, 't');
-    char dest[70];
-    std::memset(dest, '#', sizeof dest);
-    EXPECT_EQ(snprintf_s(dest, 65, 64, " %s", text.c_str()), -1);
-    EXPECT_EQ(shown(dest, 66), " " + std::string(63, 't') + ".#");
 }
 
 TEST(BoundedFormat, InvalidArgumentsGiveMinusOne)
