@@ -23,31 +23,6 @@ struct Named {
 };
 
 #define NAMED(c) Named{#c, c}
-constexpr auto kAllTexts = std::to_array<Named>({
-    NAMED(HELP_HELP), NAMED(HELP_QUESTION), NAMED(HELP_QUIT), NAMED(HELP_GENPRKEY),
-    NAMED(HELP_SHOW_VERSION), NAMED(HELP_SHOW_ARRAY), NAMED(HELP_SHOW_PATH), NAMED(HELP_SHOW_VLUN),
-    NAMED(HELP_SHOW_IOSTAT), NAMED(HELP_SHOW_SUPPORTARRAYLIST), NAMED(HELP_SHOW_CVCONFIG), NAMED(HELP_SHOW_EVENT),
-    NAMED(HELP_SHOW_ALARMENABLE), NAMED(HELP_SHOW_PATH_RELIABILITY_ENABLE), NAMED(HELP_SHOW_WORKERSTATE),
-    NAMED(HELP_SHOW_IO_COUNT), NAMED(HELP_SHOW_IO_LATENCY), NAMED(HELP_SHOW_IO_LATENCY_THRESHOLD),
-    NAMED(HELP_SET_PHYPATHNORMAL), NAMED(HELP_SET_WORKINGMODE), NAMED(HELP_SET_LOADBALANCEMODE),
-    NAMED(HELP_SET_LUNTRESPASS), NAMED(HELP_SET_FAILBACKDELAYTIME), NAMED(HELP_SET_PATHSTATE),
-    NAMED(HELP_SET_TPGSTATE), NAMED(HELP_SET_IOSUSPENSIONTIME), NAMED(HELP_SET_IORETRY),
-    NAMED(HELP_SET_LB_IO_THRESHOLD), NAMED(HELP_SET_HLD_TIME), NAMED(HELP_SET_HLD_THRESHOLD),
-    NAMED(HELP_SET_HLD_RECOVERY_TIME), NAMED(HELP_SET_MAX_IO_RETRY_TIMEOUT), NAMED(HELP_SET_IO_LATENCY_THRESHOLD),
-    NAMED(HELP_SET_FAULTY_PATH_CHECK_INTERVAL), NAMED(HELP_SET_IDLE_PATH_CHECK_INTERVAL), NAMED(HELP_SET_TOD_TIME),
-    NAMED(HELP_SET_TOD_THRESHOLD), NAMED(HELP_SET_TOD_RECOVERY_TIME), NAMED(HELP_SET_IED_TIME),
-    NAMED(HELP_SET_IED_MIN_IO), NAMED(HELP_SET_IED_THRESHOLD), NAMED(HELP_SET_IED_RECOVERY_TIME),
-    NAMED(HELP_SET_IFD_TIME), NAMED(HELP_SET_IFD_THRESHOLD), NAMED(HELP_SET_IFD_RECOVERY_TIME),
-    NAMED(HELP_SET_SDD_THRESHOLD), NAMED(HELP_SET_SDD_RECOVERY_TIME), NAMED(HELP_SET_REMOTE_CONTROLLER),
-    NAMED(HELP_SET_DUALSITE), NAMED(HELP_SET_ALARMENABLE), NAMED(HELP_SET_PATH_RELIABILITY_ENABLE),
-    NAMED(HELP_SET_PERFORMANCE_RECORD), NAMED(HELP_START_PATHCHECK), NAMED(HELP_START_IOSUSPENSION),
-    NAMED(HELP_START_REBALANCELUN), NAMED(HELP_START_MIGRATION), NAMED(HELP_CLEAR_OBSOLETE_PATH),
-    NAMED(HELP_CLEAR_PATH_STATISTIC), NAMED(HELP_CLEAR_CVCONFIG), NAMED(HELP_CLEAR_IO_COUNT),
-    NAMED(HELP_ADD_SUPPORTARRAYLIST), NAMED(HELP_DEL_SUPPORTARRAYLIST), NAMED(HELP_CHECK_STATUS),
-    NAMED(HELP_STOP_IOSUSPENSION), NAMED(USAGE_SET_STOP_IOSUSPENSION), NAMED(USAGE_SET_DUALSITE_WORKINGMODE),
-    NAMED(USAGE_SET_DUALSITE_SPLIT_SIZE),
-});
-
 // The blocks of the usage text in the order operators rely on.
 constexpr auto kUsageOrder = std::to_array<Named>({
     NAMED(HELP_HELP), NAMED(HELP_QUESTION), NAMED(HELP_QUIT),
@@ -168,7 +143,9 @@ std::vector<std::string> layoutFaults(const std::vector<std::string>& lines)
 
 TEST(HelpTexts, EveryTextIsWholeLinesInTheColumnLayout)
 {
-    for (const Named& t : kAllTexts) {
+    std::vector<Named> texts(kUsageOrder.begin(), kUsageOrder.end());
+    texts.push_back(Named{"HELP_SET_DUALSITE", HELP_SET_DUALSITE});
+    for (const Named& t : texts) {
         SCOPED_TRACE(t.name);
         std::string_view text(t.text);
         ASSERT_FALSE(text.empty());
@@ -221,15 +198,11 @@ TEST(HelpTexts, UsageHoldsEveryBlockOnceInOrder)
     EXPECT_EQ(usage.size(), total);
 }
 
+// Lines whose spacing or wording is easy to get wrong, and no transcript shows.
 TEST(HelpTexts, FixedLinesArePrintedByteForByte)
 {
     const std::string cont = kBlankField;
     const std::vector<std::string> fixed = {
-        "help [command] [subcommand]            --  Print help message.\n",
-        "? [command] [subcommand]               --  Print help message.\n",
-        "quit                                   --  Quit Corvane command line.\n",
-        "set tod_time=<time>                    --  Set I/O timeout degrade time.\n" + cont +
-            "--  time is in the range 60-2592000, unit is second.\n" + cont + "--  Default is 600.\n",
         "set stop_iosuspension <disk_id>        --  Cancel I/O suspension of the disk that corresponds to specific "
         "scsi_disk.\n",
         "show iostat vlun_id=<ID1,ID2,...> [type=<all|dualsite|migration>] [interval=<time>] [file_name=<name> "
@@ -250,8 +223,6 @@ TEST(HelpTexts, FixedLinesArePrintedByteForByte)
     for (const char* word : {"pathes", "splite", "recommendatory"}) {
         EXPECT_NE(usage.find(word), std::string::npos) << word;
     }
-    // The long usage of a rejected value is "Usage:\n" and the help text.
-    EXPECT_TRUE(std::string_view(HELP_SET_FAILBACKDELAYTIME).starts_with("set failbackdelaytime=<time>"));
 }
 
 // Each command's own usage errors name its syntax; the help must show the
@@ -260,40 +231,22 @@ TEST(HelpTexts, SyntaxAgreesWithTheCommandsOwnUsage)
 {
     const std::string usage = usageText();
     const std::vector<std::string> syntaxes = {
-        "show version [verbose]",
-        "show array [id=<ID1,ID2,...> [verbose]]",
+        "show version [verbose]", "show array [id=<ID1,ID2,...> [verbose]]",
         "show path [id=<ID1,ID2,...>|array_id=ID]",
         "show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]",
-        "show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]",
-        "show vlun type=<all|dualsite|migration>",
-        "show cvconfig [array_id=ID|vlun_id=ID]",
-        "show alarmenable",
-        "show path_reliability_enable",
-        "show io_count [vlun_id={<ID>|<ID1,ID2,...>}]",
-        "show io_latency [vlun_id={<ID>|<ID1,ID2,...>}]",
-        "show io_latency_threshold",
-        "show workerstate",
-        "set pathstate={enable|disable} path_id=<ID>",
-        "set phypathnormal path_id=<ID>",
-        "set tpgstate={enable|disable} array_id=<ID> tpg_id=<ID>",
+        "show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]", "show vlun type=<all|dualsite|migration>",
+        "show cvconfig [array_id=ID|vlun_id=ID]", "show alarmenable", "show path_reliability_enable",
+        "show io_count [vlun_id={<ID>|<ID1,ID2,...>}]", "show io_latency [vlun_id={<ID>|<ID1,ID2,...>}]",
+        "show io_latency_threshold", "show workerstate", "set pathstate={enable|disable} path_id=<ID>",
+        "set phypathnormal path_id=<ID>", "set tpgstate={enable|disable} array_id=<ID> tpg_id=<ID>",
         "set remote_controller array_id=ID tpg_id=<ID1,ID2,...> [local|remote]",
-        "set ioretry=<number> ioretrydelay=<time>",
-        "set failbackdelaytime=<time>",
-        "set tod_time=<time>",
-        "set ied_threshold=<ratio>",
-        "set io_latency_threshold=<time>",
-        "set sdd_threshold=<time>",
-        "set sdd_recovery_time=<time>",
-        "start pathcheck path_id=<ID1,ID2,...>",
-        "start rebalancelun [array_id=ID|vlun_id=ID]",
-        "start iosuspension vlun_id=ID timeout=<time>",
+        "set ioretry=<number> ioretrydelay=<time>", "set failbackdelaytime=<time>", "set tod_time=<time>",
+        "set ied_threshold=<ratio>", "set io_latency_threshold=<time>", "set sdd_threshold=<time>",
+        "set sdd_recovery_time=<time>", "start pathcheck path_id=<ID1,ID2,...>",
+        "start rebalancelun [array_id=ID|vlun_id=ID]", "start iosuspension vlun_id=ID timeout=<time>",
         "start migration vlun_id=ID direction={source | target} rollback={enable | disable}",
-        "stop iosuspension vlun_id=ID",
-        "clear cvconfig array_id=ID|vlun_id=ID",
-        "clear obsolete_path path_id=<ID>",
-        "clear path_statistic [path_id=<ID1,ID2,...>|array_id=<ID1,ID2,...>]",
-        "check status",
-        "genprkey",
+        "stop iosuspension vlun_id=ID", "clear cvconfig array_id=ID|vlun_id=ID", "clear obsolete_path path_id=<ID>",
+        "clear path_statistic [path_id=<ID1,ID2,...>|array_id=<ID1,ID2,...>]", "check status", "genprkey",
     };
     for (const std::string& syntax : syntaxes) {
         bool found = false;
@@ -362,24 +315,13 @@ TEST(HelpCommand, AnswersAsDocumented)
     const std::vector<HelpCase> cases = {
         {{"help"}, 1, "USAGE"},
         {{"?"}, 1, "USAGE"},
-        {{"help", "show"}, 1, kNeedSub},
         {{"?", "check"}, 1, kNeedSub},
-        {{"help", "show", "version"}, 1, HELP_SHOW_VERSION},
         {{"help", "show", "workerstate"}, 1, HELP_SHOW_WORKERSTATE},
-        {{"?", "check", "status"}, 1, HELP_CHECK_STATUS},
-        {{"help", "show", "nothing"}, 0, kNotSupported},
         {{"help", "show", "Version"}, 0, kNotSupported},
         {{"help", "start", "diskdriverupdate"}, 1, ""},
-        {{"help", "help"}, 1, HELP_HELP},
-        {{"help", "?"}, 1, HELP_QUESTION},
         {{"?", "help"}, 1, HELP_HELP},
-        {{"help", "quit"}, 1, HELP_QUIT},
-        {{"help", "genprkey"}, 1, HELP_GENPRKEY},
         {{"help", "help", "x"}, 0, invalid},
-        {{"help", "quit", "x"}, 0, invalid},
         {{"help", "genprkey", "x"}, 0, invalid},
-        {{"help", "show", "version", "x"}, 0, invalid},
-        {{"help", "nothing"}, 0, "Error: Input Option is not supported.\nUSAGE"},
         {{"help", "version"}, 0, "Error: Input Option is not supported.\nUSAGE"},
     };
     const std::string usage = usageText();
