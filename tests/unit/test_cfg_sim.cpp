@@ -60,13 +60,13 @@ std::vector<uint8_t> lastRequestIn(uint32_t nr)
     return last;
 }
 
-class CfgSim : public testing::Test {
+class CfgSim : public simtest::SimTest {
 protected:
     void SetUp() override
     {
+        SimTest::SetUp();
         (void)UIL_CfgUnlockFile();
         (void)UIL_CfgSetDriverSender(nullptr);
-        simtest::setFaults("");
         writeFile(docPath(), kSmallDoc);
     }
 };

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <functional>
 #include <set>
 
 #include "support/cfg_fixture.h"
@@ -25,47 +26,28 @@ protected:
     CfgStore() : StoreTest(kSmallDoc) {}
 };
 
-// Whether another process could take the configuration lock now.
-bool lockFreeForOthers()
+// Whether `check` holds when run in another process: closing any
+// descriptor of the lock file in this process would drop the lock it holds.
+bool inOtherProcess(const std::function<bool()>& check)
 {
     pid_t pid = fork();
     if (pid == 0) {
-        int fd = open(lockPath().c_str(), O_RDWR | O_CREAT, 0600);
-        struct flock lock {};
-        lock.l_type = F_WRLCK;
-        lock.l_whence = SEEK_SET;
-        _exit(fd >= 0 && fcntl(fd, F_SETLK, &lock) == 0 ? 0 : 1);
+        _exit(check() ? 0 : 1);
     }
     int status = 0;
     waitpid(pid, &status, 0);
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-// A file read by another process: closing any descriptor of the lock file
-// in this process would drop the lock it holds.
-std::string readFromOtherProcess(const std::string& path)
+bool lockFreeForOthers()
 {
-    int fds[2];
-    if (pipe(fds) != 0) {
-        return "";
-    }
-    pid_t pid = fork();
-    if (pid == 0) {
-        close(fds[0]);
-        std::string text = readFile(path);
-        (void)!write(fds[1], text.data(), text.size());
-        _exit(0);
-    }
-    close(fds[1]);
-    std::string text;
-    char chunk[256];
-    ssize_t n;
-    while ((n = read(fds[0], chunk, sizeof(chunk))) > 0) {
-        text.append(chunk, static_cast<size_t>(n));
-    }
-    close(fds[0]);
-    waitpid(pid, nullptr, 0);
-    return text;
+    return inOtherProcess([] {
+        int fd = open(lockPath().c_str(), O_RDWR | O_CREAT, 0600);
+        struct flock lock {};
+        lock.l_type = F_WRLCK;
+        lock.l_whence = SEEK_SET;
+        return fd >= 0 && fcntl(fd, F_SETLK, &lock) == 0;
+    });
 }
 
 // ---------------------------------------------------------------------------
@@ -177,8 +159,8 @@ TEST_F(CfgStore, BrokenDocumentsGiveCodesAndNeverReplaceTheBackup)
 TEST_F(CfgStore, WriteAccessLocksWithProcessIdAndBacksUp)
 {
     ASSERT_EQ(UIL_CfgOpenFile(true), MPI_RET_SUCCESS);
-    std::string pid = std::to_string(getpid());
-    EXPECT_EQ(readFromOtherProcess(lockPath()), pid + std::string(1, '\0'));
+    const std::string pid = std::to_string(getpid()) + std::string(1, '\0');
+    EXPECT_TRUE(inOtherProcess([&] { return readFile(lockPath()) == pid; })) << "the lock file holds the process ID";
     struct stat st {};
     ASSERT_EQ(stat(lockPath().c_str(), &st), 0);
     EXPECT_EQ(st.st_mode & 0777, 0600u);
@@ -316,24 +298,7 @@ const char kLevelsDoc[] =
     "<array><arraySN1><io_timeout>200</io_timeout><loadbalancemode>min-task</loadbalancemode></arraySN1></array>"
     "<lun><lunW1><io_timeout>300</io_timeout><luntrespass>0</luntrespass></lunW1></lun></cvcfg>";
 
-TEST_F(CfgStore, DeletingAbsentThingsSucceedsWithoutTheDriver)
-{
-    writeFile(cfgPath(), kLevelsDoc);
-    UilOperLogPara rec;
-    std::memset(&rec, 0x5A, sizeof(rec));
-    EXPECT_EQ(INTF_UIL_DelLunConfig("CLI", 9, "W1", "ioretry", &rec), MPI_RET_SUCCESS);
-    EXPECT_EQ(INTF_UIL_DelLunConfig("CLI", 9, "W2", nullptr, &rec), MPI_RET_SUCCESS);
-    EXPECT_EQ(INTF_UIL_DelArrayConfig("CLI", 3, "SN2", "io_timeout", &rec), MPI_RET_SUCCESS);
-    EXPECT_TRUE(driver().sent.empty());
-    EXPECT_EQ(readFile(cfgPath()), kLevelsDoc);
-    EXPECT_TRUE(lockFreeForOthers());
-    UilOperLogPara expected{};
-    expected.uiObjType = 101;
-    expected.uiObjId = 3;
-    EXPECT_EQ(std::memcmp(&rec, &expected, sizeof(rec)), 0);
-}
-
-TEST_F(CfgStore, DeletingAnItemOrAnInstance)
+TEST_F(CfgStore, Deleting)
 {
     writeFile(cfgPath(), kLevelsDoc);
     UilOperLogPara rec{};
@@ -349,6 +314,22 @@ TEST_F(CfgStore, DeletingAnItemOrAnInstance)
     EXPECT_EQ(driver().sent[0].bytes, deleteBytes(102, "W1", "io_timeout"));
     EXPECT_EQ(driver().sent[0].fileAtSend, kLevelsDoc);
     EXPECT_EQ(driver().sent[1].bytes, deleteBytes(101, "SN1", ""));
+
+    // What is not there: success, no request, the file and the lock as they
+    // were, and a record of the object alone.
+    restart();
+    writeFile(cfgPath(), kLevelsDoc);
+    std::memset(&rec, 0x5A, sizeof(rec));
+    EXPECT_EQ(INTF_UIL_DelLunConfig("CLI", 9, "W1", "ioretry", &rec), MPI_RET_SUCCESS);
+    EXPECT_EQ(INTF_UIL_DelLunConfig("CLI", 9, "W2", nullptr, &rec), MPI_RET_SUCCESS);
+    EXPECT_EQ(INTF_UIL_DelArrayConfig("CLI", 3, "SN2", "io_timeout", &rec), MPI_RET_SUCCESS);
+    EXPECT_TRUE(driver().sent.empty());
+    EXPECT_EQ(readFile(cfgPath()), kLevelsDoc);
+    EXPECT_TRUE(lockFreeForOthers());
+    UilOperLogPara expected{};
+    expected.uiObjType = 101;
+    expected.uiObjId = 3;
+    EXPECT_EQ(std::memcmp(&rec, &expected, sizeof(rec)), 0);
 
     restart();
     writeFile(cfgPath(), kLevelsDoc);

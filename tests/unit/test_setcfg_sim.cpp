@@ -102,19 +102,22 @@ void writeDocument(const std::vector<LunItem>& luns)
     writeFile(cfgFile(), doc + "</lun></cvcfg>\n");
 }
 
-class SetCfgSim : public testing::Test {
+class SetCfgSim : public simtest::SimTest {
 protected:
     void SetUp() override
     {
+        SimTest::SetUp();
         (void)UIL_CfgUnlockFile();
-        simtest::setFaults("");
-        simtest::clearRequests();
         array0 = vlunsOf(0);
         other = vlunsOf(1);
         ASSERT_GE(array0.size(), 2u) << "the default topology has VLUNs on array 0";
         ASSERT_FALSE(other.empty());
     }
-    void TearDown() override { (void)UIL_CfgUnlockFile(); }
+    void TearDown() override
+    {
+        (void)UIL_CfgUnlockFile();
+        SimTest::TearDown();
+    }
 
     std::vector<uint32_t> array0;
     std::vector<uint32_t> other;
@@ -182,17 +185,6 @@ TEST_F(SetCfgSim, FailedArrayWriteKeepsTheDeletions)
     EXPECT_EQ(sent[1].result, 1031u);
 }
 
-TEST_F(SetCfgSim, UnknownArrayChangesNothing)
-{
-    writeDocument({});
-    std::string before = readFile(cfgFile());
-    UilOperLogPara record{};
-    EXPECT_NE(INTF_UIL_SetLbPolicy("CLI", "array_id", "77", "round-robin", &record), MPI_RET_SUCCESS);
-    EXPECT_EQ(record.uiObjId, 77u);
-    EXPECT_EQ(readFile(cfgFile()), before);
-    EXPECT_TRUE(cfgRequests().empty());
-}
-
 // An array the driver knows but that holds no disk still has its serial
 // number, and no VLUN to strip.
 TEST_F(SetCfgSim, ArrayWithoutDisks)
@@ -207,15 +199,17 @@ TEST_F(SetCfgSim, ArrayWithoutDisks)
     ASSERT_EQ(cfgRequests().size(), 1u);
 }
 
-TEST_F(SetCfgSim, VlunValueGoesUnderItsWwn)
+// A VLUN value goes under its WWN; the split size only for a dual-site VLUN
+// (array and host keys are not checked for a type).
+TEST_F(SetCfgSim, VlunValuesGoUnderTheirWwn)
 {
     writeDocument({});
-    std::string wwn = wwnOf(array0[0]);
-    ASSERT_FALSE(wwn.empty());
-    char id[16];
-    std::snprintf(id, sizeof(id), "%u", array0[0]);
+    const std::string dualId = firstVlunOfType(UIL_VLUN_TYPE_DUALSITE);
+    ASSERT_FALSE(dualId.empty()) << "the default topology has a dual-site VLUN";
+    const std::string wwn = wwnOf(array0[0]);
     UilOperLogPara record{};
-    ASSERT_EQ(INTF_UIL_SetLUNTrespass("CLI", "vlun_id", id, "0", &record), MPI_RET_SUCCESS);
+    ASSERT_EQ(INTF_UIL_SetLUNTrespass("CLI", "vlun_id", std::to_string(array0[0]).c_str(), "0", &record),
+              MPI_RET_SUCCESS);
     EXPECT_EQ(record.uiObjType, MPI_OBJ_LUN);
     EXPECT_EQ(record.uiObjId, array0[0]);
     EXPECT_EQ(lunValue(wwn, "luntrespass"), "0");
@@ -223,34 +217,47 @@ TEST_F(SetCfgSim, VlunValueGoesUnderItsWwn)
     ASSERT_EQ(sent.size(), 1u);
     EXPECT_EQ(sent[0].in, notifyBytes(MPI_OBJ_LUN, wwn, {{"luntrespass", "0"}}));
 
-    // A VLUN the driver does not know: its code, nothing written.
-    std::string before = readFile(cfgFile());
-    EXPECT_EQ(INTF_UIL_SetLUNTrespass("CLI", "vlun_id", "9999", "0", &record), MPI_RET_VLUN_NOT_EXIST);
-    EXPECT_EQ(record.uiObjId, 9999u);
-    EXPECT_EQ(readFile(cfgFile()), before);
-    EXPECT_EQ(cfgRequests().size(), 1u);
-}
-
-// The split size of a VLUN is only for a dual-site VLUN.
-TEST_F(SetCfgSim, SplitSizeNeedsADualSiteVlun)
-{
-    writeDocument({});
-    const std::string dualId = firstVlunOfType(UIL_VLUN_TYPE_DUALSITE);
-    const std::string ordinaryId = firstVlunOfType(UIL_VLUN_TYPE_ORDINARY);
-    ASSERT_FALSE(dualId.empty() || ordinaryId.empty()) << "the default topology has both kinds";
-
-    UilOperLogPara record{};
-    EXPECT_EQ(INTF_UIL_SetDsSpliteSize("CLI", "vlun_id", ordinaryId.c_str(), "2048", &record), UIL_RET_NOT_DUALSITE);
-    EXPECT_EQ(record.uiObjType, MPI_OBJ_LUN);
-    EXPECT_STREQ(record.szValue, "2048");
-    EXPECT_EQ(INTF_UIL_SetDsSpliteSize("CLI", "vlun_id", "9999", "2048", &record), MPI_RET_VLUN_NOT_EXIST);
-    EXPECT_TRUE(cfgRequests().empty());
-
     ASSERT_EQ(INTF_UIL_SetDsSpliteSize("CLI", "vlun_id", dualId.c_str(), "2048", &record), MPI_RET_SUCCESS);
     EXPECT_EQ(lunValue(wwnOf(std::stoul(dualId)), "ds_split_size"), "2048");
-    // Array and host keys are not checked for a type.
     ASSERT_EQ(INTF_UIL_SetDsSpliteSize("CLI", "", "", "4096", &record), MPI_RET_SUCCESS);
     EXPECT_EQ(valueAt(cfgFile(), "/cvcfg/common/ds_split_size"), "4096");
+}
+
+// An object the driver does not know, or of the wrong type: its code, the
+// record tells what was asked, nothing is sent or written.
+TEST_F(SetCfgSim, RefusedObjectsChangeNothing)
+{
+    const std::string ordinaryId = firstVlunOfType(UIL_VLUN_TYPE_ORDINARY);
+    ASSERT_FALSE(ordinaryId.empty());
+    struct Case {
+        const char* what;
+        uint32_t (*set)(const char*, const char*, const char*, const char*, UilOperLogPara*);
+        const char* key;
+        std::string id;
+        uint32_t code;  // 0: any failure
+    };
+    const Case cases[] = {
+        {"unknown array", INTF_UIL_SetLbPolicy, "array_id", "77", 0},
+        {"unknown vlun", INTF_UIL_SetLUNTrespass, "vlun_id", "9999", MPI_RET_VLUN_NOT_EXIST},
+        {"split of an unknown vlun", INTF_UIL_SetDsSpliteSize, "vlun_id", "9999", MPI_RET_VLUN_NOT_EXIST},
+        {"split of an ordinary vlun", INTF_UIL_SetDsSpliteSize, "vlun_id", ordinaryId, UIL_RET_NOT_DUALSITE},
+    };
+    writeDocument({});
+    const std::string before = readFile(cfgFile());
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        UilOperLogPara record{};
+        uint32_t rc = c.set("CLI", c.key, c.id.c_str(), "1", &record);
+        EXPECT_NE(rc, MPI_RET_SUCCESS);
+        if (c.code != 0) {
+            EXPECT_EQ(rc, c.code);
+        }
+        EXPECT_EQ(record.uiObjId, std::stoul(c.id));
+        EXPECT_STREQ(record.szValue, "1");
+        (void)UIL_CfgUnlockFile();
+    }
+    EXPECT_EQ(readFile(cfgFile()), before);
+    EXPECT_TRUE(cfgRequests().empty());
 }
 
 }  // namespace

@@ -9,6 +9,8 @@
 // logged in sim/requests.log, both under the sandbox.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -40,5 +42,17 @@ void clearRequests();
 
 // A little-endian u32 of a logged payload.
 uint32_t le32(const std::vector<uint8_t>& bytes, size_t offset);
+
+// Each test starts with no fault scripted and an empty request log, and
+// leaves no fault behind for the next.
+class SimTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        setFaults("");
+        clearRequests();
+    }
+    void TearDown() override { setFaults(""); }
+};
 
 }  // namespace simtest
