@@ -47,23 +47,18 @@ TEST_F(ObjectRules, PathStateWords)
         {false, 1, 1, 19, 0, "Normal"},   {false, 1, 1, 20, 0, "Normal"},
         {false, 1, 1, 21, 0, "Normal"},  // busy reads Normal on a physical path
         {false, 1, 1, 22, 0, "I/O discrete error degradation"},
-        {false, 1, 1, 23, 0, "Intermittent failure degradation"},
-        {false, 1, 1, 24, 0, "I/O timeout degradation"},
+        {false, 1, 1, 23, 0, "Intermittent failure degradation"}, {false, 1, 1, 24, 0, "I/O timeout degradation"},
         {false, 1, 1, 25, 0, "High latency degradation"},
         {false, 1, 1, 26, 0, "Degraded"},  // sensitive delay has no word of its own here
         {false, 1, 1, 27, 0, "Potential fault degradation"},
-        {false, 1, 1, 18, 0, "Degraded"}, {false, 1, 1, 28, 0, "Degraded"},
-        {true, 0, 9, 19, 0, "Disable"},
+        {false, 1, 1, 18, 0, "Degraded"}, {false, 1, 1, 28, 0, "Degraded"}, {true, 0, 9, 19, 0, "Disable"},
         {true, 1, 10, 19, 0, "Fault"},  {true, 1, 8, 19, 0, "Fault"},  {true, 1, 13, 19, 0, "Fault"},  // 9, 11, 12 work
         {true, 1, 9, 19, 0, "Normal"},  {true, 1, 11, 20, 0, "Normal"},
         {true, 1, 12, 21, 0, "BUSY degradation"},  // unlike the physical rule
         {true, 1, 9, 22, 0, "I/O discrete error degradation"},
-        {true, 1, 9, 23, 0, "Intermittent failure degradation"},
-        {true, 1, 9, 24, 0, "I/O timeout degradation"},
-        {true, 1, 9, 25, 0, "High latency degradation"},
-        {true, 1, 9, 26, 0, "Sensitive delayed degradation"},
-        {true, 1, 9, 27, 0, "Potential fault degradation"},
-        {true, 1, 9, 28, 0, "Degraded"},
+        {true, 1, 9, 23, 0, "Intermittent failure degradation"}, {true, 1, 9, 24, 0, "I/O timeout degradation"},
+        {true, 1, 9, 25, 0, "High latency degradation"}, {true, 1, 9, 26, 0, "Sensitive delayed degradation"},
+        {true, 1, 9, 27, 0, "Potential fault degradation"}, {true, 1, 9, 28, 0, "Degraded"},
         {true, 1, 9, 19, 1, "Fault"},  {true, 0, 9, 19, 1, "Fault"},  // the faulty byte overrides the word
         {true, 1, 9, 19, 2, "Normal"},  // only the value 1 marks it faulty
     };
@@ -202,18 +197,12 @@ TEST_F(ObjectRules, ControllerNaming)
         uint32_t capability;
         const char* text;
     } cases[] = {
-        {0, "", UIL_CAP_PAIR_NAMING, "0A"},
-        {1, "", UIL_CAP_PAIR_NAMING, "0B"},
-        {2, "", UIL_CAP_PAIR_NAMING | 0x40, "1A"},
-        {3, "", 0xFFFFFFFF, "1B"},
-        {15, "", UIL_CAP_PAIR_NAMING, "7B"},
+        {0, "", UIL_CAP_PAIR_NAMING, "0A"}, {1, "", UIL_CAP_PAIR_NAMING, "0B"},
+        {2, "", UIL_CAP_PAIR_NAMING | 0x40, "1A"}, {3, "", 0xFFFFFFFF, "1B"}, {15, "", UIL_CAP_PAIR_NAMING, "7B"},
         {0, "", 0, "0"},
         {15, "", UIL_CAP_PAIR_NAMING >> 1, "15"},  // only bit 24 selects the letters
-        {3, "CtrlEast", UIL_CAP_PAIR_NAMING, "CtrlEast"},
-        {3, "SixteenCharsLong", 0, "SixteenCharsLong"},
-        {16, "", UIL_CAP_PAIR_NAMING, "-"},
-        {16, "named", 0, "-"},
-        {0xFFFFFFFF, "", 0, "-"},
+        {3, "CtrlEast", UIL_CAP_PAIR_NAMING, "CtrlEast"}, {3, "SixteenCharsLong", 0, "SixteenCharsLong"},
+        {16, "", UIL_CAP_PAIR_NAMING, "-"}, {16, "named", 0, "-"}, {0xFFFFFFFF, "", 0, "-"},
     };
     for (const auto& c : cases) {
         char out[UIL_CONTROLLER_NAME_SIZE];
@@ -376,18 +365,15 @@ TEST_F(ObjectRules, WorkingAndBusyLogicalPaths)
         const char* io;
         uint32_t working, busy;
     } cases[] = {
-        {"Normal", "CVIOC_PATH_IO_NORMAL", 1, 0},
-        {"BUSY degradation", "CVIOC_PATH_IO_BUSY", 1, 1},
-        {"Normal", "CVIOC_PATH_IO_BUSY", 1, 1},
-        {"I/O timeout degradation", "CVIOC_PATH_IO_TIMEOUT", 1, 0},
+        {"Normal", "CVIOC_PATH_IO_NORMAL", 1, 0}, {"BUSY degradation", "CVIOC_PATH_IO_BUSY", 1, 1},
+        {"Normal", "CVIOC_PATH_IO_BUSY", 1, 1}, {"I/O timeout degradation", "CVIOC_PATH_IO_TIMEOUT", 1, 0},
         {"I/O discrete error degradation", "CVIOC_PATH_IO_UNKNOWN", 1, 0},
         {"Intermittent failure degradation", "CVIOC_PATH_IO_NOT_STEDAY", 1, 0},
         {"High latency degradation", "CVIOC_PATH_IO_HIGHLATENCY", 1, 0},
         {"Sensitive delayed degradation", "CVIOC_PATH_IO_SENSITIVE_DELAYED", 1, 0},
         {"Degraded", "Unknown path io state", 1, 0},
         {"Potential fault degradation", "CVIOC_PATH_IO_BUSY", 0, 0},  // left out on purpose
-        {"Fault", "CVIOC_PATH_IO_BUSY", 0, 0},
-        {"Disable", "CVIOC_PATH_IO_NORMAL", 0, 0},
+        {"Fault", "CVIOC_PATH_IO_BUSY", 0, 0}, {"Disable", "CVIOC_PATH_IO_NORMAL", 0, 0},
     };
     for (const auto& c : cases) {
         UilPathInfo path{};

@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <functional>
-#include <optional>
 #include <set>
 #include <sstream>
 #include <string>
@@ -168,33 +167,6 @@ uint32_t Send(SimContext& ctx, uint32_t nr, Wire& w)
 
 uint32_t DeclaredSize(uint32_t nr) { return cvsim::FindRequest(nr)->size; }
 
-// Fixes the model's clock (CVSIM_NOW) for its lifetime; contexts made then
-// read it at their first use.
-class ClockAt {
-public:
-    explicit ClockAt(long long unixSeconds)
-    {
-        const char* old = std::getenv("CVSIM_NOW");
-        m_had = old != nullptr;
-        m_old = m_had ? old : "";
-        setenv("CVSIM_NOW", std::to_string(unixSeconds).c_str(), 1);
-    }
-    ClockAt(const ClockAt&) = delete;
-    ClockAt& operator=(const ClockAt&) = delete;
-    ~ClockAt()
-    {
-        if (m_had) {
-            setenv("CVSIM_NOW", m_old.c_str(), 1);
-        } else {
-            unsetenv("CVSIM_NOW");
-        }
-    }
-
-private:
-    bool m_had;
-    std::string m_old;
-};
-
 class SimObjects : public testing::Test {
 protected:
     Json doc = Json::parse(kTopology);
@@ -333,7 +305,7 @@ TEST_F(SimObjects, UnknownObjectsAreRefusedAndTheirPayloadLeftAlone)
 
 // ---------------------------------------------------------------------------
 // Records, read back at their offsets. A row with a clock reads a model made
-// at that time.
+// at that time (seconds since 1970).
 
 struct RecordCase {
     const char* what;
@@ -445,11 +417,13 @@ TEST(SimObjectsRecords, FieldsAtTheirOffsets)
     EXPECT_EQ(cvsim::FindRequest(0x5f)->countOffset, 60) << "the count= fault: the VLUN's member count";
     for (const RecordCase& c : kRecords) {
         SCOPED_TRACE(c.what);
-        Json doc = Json::parse(kTopology);
-        std::optional<ClockAt> clock;
+        // The model reads its clock (CVSIM_NOW) when a context is first used.
         if (c.now != 0) {
-            clock.emplace(c.now);
+            setenv("CVSIM_NOW", std::to_string(c.now).c_str(), 1);
+        } else {
+            unsetenv("CVSIM_NOW");
         }
+        Json doc = Json::parse(kTopology);
         SimContext ctx(doc);
         Wire w(DeclaredSize(c.nr) + 4 * 7);
         for (const Field& f : c.inputs) {
@@ -460,6 +434,7 @@ TEST(SimObjectsRecords, FieldsAtTheirOffsets)
             ExpectField(w, f);
         }
     }
+    unsetenv("CVSIM_NOW");
 }
 
 // Every logical path names a block device of its own.
