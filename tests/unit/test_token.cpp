@@ -29,47 +29,36 @@ std::string traceText()
 // "[date] [code] [level] [module] [func: line ] message"
 const std::regex kTraceLine(R"(^(?:\[[^\]]*\] ){4}\[\w+: \d+ \] (.*)$)");
 
-// Records what a call traces and prints; `traced()` gives the messages.
-class Watch {
-public:
-    Watch() : m_before(traceText().size()) { testing::internal::CaptureStdout(); }
-    Watch(const Watch&) = delete;
-    Watch& operator=(const Watch&) = delete;
-    ~Watch() { (void)printed(); }
-    std::string printed()
-    {
-        if (!m_capturing) {
-            return m_printed;
-        }
-        m_capturing = false;
-        return m_printed = testing::internal::GetCapturedStdout();
-    }
-    std::vector<std::string> traced() const
-    {
-        std::vector<std::string> messages;
-        std::istringstream lines(traceText().substr(m_before));
-        for (std::string line; std::getline(lines, line);) {
-            std::smatch match;
-            messages.push_back(std::regex_match(line, match, kTraceLine) ? match[1].str() : line);
-        }
-        return messages;
-    }
-
-private:
-    size_t m_before;
-    bool m_capturing = true;
-    std::string m_printed;
+// What one call returned, printed and traced (the messages without their heads).
+struct Seen {
+    uint32_t result;
+    std::string printed;
+    std::vector<std::string> traced;
 };
 
-// What a call traced: nothing for nullptr, else `trace` as the last line.
-void expectTraced(const Watch& w, const char* trace)
+template <typename Call>
+Seen watch(Call call)
 {
-    const std::vector<std::string> traced = w.traced();
+    const size_t before = traceText().size();
+    testing::internal::CaptureStdout();
+    Seen seen{call(), "", {}};
+    seen.printed = testing::internal::GetCapturedStdout();
+    std::istringstream lines(traceText().substr(before));
+    for (std::string line; std::getline(lines, line);) {
+        std::smatch match;
+        seen.traced.push_back(std::regex_match(line, match, kTraceLine) ? match[1].str() : line);
+    }
+    return seen;
+}
+
+// Nothing traced for nullptr, else `trace` as the last line.
+void expectTraced(const Seen& seen, const char* trace)
+{
     if (trace == nullptr) {
-        EXPECT_TRUE(traced.empty()) << traced.front();
+        EXPECT_TRUE(seen.traced.empty()) << seen.traced.front();
     } else {
-        ASSERT_FALSE(traced.empty()) << "expected: " << trace;
-        EXPECT_EQ(traced.back(), trace);
+        ASSERT_FALSE(seen.traced.empty()) << "expected: " << trace;
+        EXPECT_EQ(seen.traced.back(), trace);
     }
 }
 
@@ -96,10 +85,10 @@ TEST(Token, IsNumAcceptsOnlyShortUnsignedDecimals)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text ? c.text : "(null)");
-        Watch w;
-        EXPECT_EQ(MPCLI_IsNum(c.text), c.expected);
-        EXPECT_EQ(w.printed(), "");
-        expectTraced(w, c.trace);
+        Seen seen = watch([&] { return MPCLI_IsNum(c.text); });
+        EXPECT_EQ(seen.result, c.expected);
+        EXPECT_EQ(seen.printed, "");
+        expectTraced(seen, c.trace);
     }
 }
 
@@ -126,10 +115,10 @@ TEST(Token, ValueCheckBoundariesPerTypeAndTheirTraceLines)
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::Message() << c.value << " type " << c.type);
-        Watch w;
-        EXPECT_EQ(MPCLI_ValueCheckByType(c.value, c.type), c.trace == nullptr ? 1u : 0u);
-        EXPECT_EQ(w.printed(), "") << "the caller prints, not the check";
-        expectTraced(w, c.trace);
+        Seen seen = watch([&] { return MPCLI_ValueCheckByType(c.value, c.type); });
+        EXPECT_EQ(seen.result, c.trace == nullptr ? 1u : 0u);
+        EXPECT_EQ(seen.printed, "") << "the caller prints, not the check";
+        expectTraced(seen, c.trace);
     }
 }
 
@@ -160,21 +149,21 @@ TEST(Token, GetStringFromEqualSplitsOneSideOrRefuses)
         SCOPED_TRACE(testing::Message() << c.token << " side " << c.index << " size " << c.size);
         std::vector<char> out(c.size + 1, '\0');
         out[0] = 'X';
-        Watch w;
-        EXPECT_EQ(MPCLI_GetStringFromEqual(c.token, out.data(), c.index, c.size), c.expected);
-        EXPECT_EQ(w.printed(), "");
+        Seen seen = watch([&] { return MPCLI_GetStringFromEqual(c.token, out.data(), c.index, c.size); });
+        EXPECT_EQ(seen.result, c.expected);
+        EXPECT_EQ(seen.printed, "");
         EXPECT_STREQ(out.data(), c.out);
-        expectTraced(w, c.trace);
+        expectTraced(seen, c.trace);
     }
 
     // An absent token prints the usage; an absent output is only traced.
     char out[8] = "X";
-    Watch usage;
-    EXPECT_EQ(MPCLI_GetStringFromEqual(nullptr, out, 0, sizeof(out)), 0u);
-    EXPECT_NE(usage.printed(), "");
-    Watch absent;
-    EXPECT_EQ(MPCLI_GetStringFromEqual("a=b", nullptr, 0, 8), 0u);
-    EXPECT_EQ(absent.printed(), "");
+    Seen usage = watch([&] { return MPCLI_GetStringFromEqual(nullptr, out, 0, sizeof(out)); });
+    EXPECT_EQ(usage.result, 0u);
+    EXPECT_NE(usage.printed, "");
+    Seen absent = watch([] { return MPCLI_GetStringFromEqual("a=b", nullptr, 0, 8); });
+    EXPECT_EQ(absent.result, 0u);
+    EXPECT_EQ(absent.printed, "");
     expectTraced(absent, "Pointer \"pcSource\" is NULL.");
     EXPECT_STREQ(out, "X");
 }
@@ -225,11 +214,10 @@ TEST(IdList, EqualDigitalValuesParsesTheListOrPrintsWhyNot)
         // Exactly the room the callers give: ASan catches a write past it.
         std::vector<uint32_t> ids(std::min(c.max, MPCLI_MAX_IDS) + (c.max == 0 ? 1 : 0), 0xFFFFFFFF);
         uint32_t count = 0xFFFF;
-        Watch w;
-        const uint32_t ok = MPCLI_GetEqualDigitalValues(c.token, c.key, ids.data(), c.max, &count, c.type);
-        EXPECT_EQ(w.printed(), c.printed);
-        ASSERT_EQ(ok, c.expected);
-        if (ok == 1) {
+        Seen seen = watch([&] { return MPCLI_GetEqualDigitalValues(c.token, c.key, ids.data(), c.max, &count, c.type); });
+        EXPECT_EQ(seen.printed, c.printed);
+        ASSERT_EQ(seen.result, c.expected);
+        if (seen.result == 1) {
             EXPECT_EQ(firstIds(ids, count), c.ids);
             EXPECT_EQ(count, c.ids.size());
         }
@@ -260,15 +248,14 @@ TEST(IdList, StringSplitNumbersUpToMaxTracedNeverPrinted)
         SCOPED_TRACE(testing::Message() << c.text << " max " << c.max);
         std::vector<uint32_t> ids(c.max);
         uint32_t count = 0xFFFF;
-        Watch w;
-        const uint32_t ok = MPCLI_StringSplit(c.text, c.delimiter, ids.data(), c.max, &count);
-        EXPECT_EQ(w.printed(), "");
-        ASSERT_EQ(ok, c.expected);
-        if (ok == 1) {
+        Seen seen = watch([&] { return MPCLI_StringSplit(c.text, c.delimiter, ids.data(), c.max, &count); });
+        EXPECT_EQ(seen.printed, "");
+        ASSERT_EQ(seen.result, c.expected);
+        if (seen.result == 1) {
             EXPECT_EQ(firstIds(ids, count), c.ids);
             EXPECT_EQ(count, c.ids.size());
         }
-        expectTraced(w, c.trace);
+        expectTraced(seen, c.trace);
     }
 }
 
@@ -290,10 +277,9 @@ TEST(IdList, VlunIdsAreASingleListOrAnAscendingRange)
         SCOPED_TRACE(testing::Message() << c.text << " max " << c.max);
         std::vector<uint32_t> ids(c.max + 1);  // one spare so max 0 still has an array
         uint32_t count = 0xFFFF;
-        Watch w;
-        const uint32_t ret = MPCLI_ParseVlunIds(c.text, ids.data(), c.max, &count);
-        EXPECT_EQ(w.printed(), "");
-        ASSERT_EQ(ret, c.ids.empty() ? MPI_RET_FAIL : MPI_RET_SUCCESS);
+        Seen seen = watch([&] { return MPCLI_ParseVlunIds(c.text, ids.data(), c.max, &count); });
+        EXPECT_EQ(seen.printed, "");
+        ASSERT_EQ(seen.result, c.ids.empty() ? MPI_RET_FAIL : MPI_RET_SUCCESS);
         EXPECT_EQ(count, c.ids.size());
         EXPECT_EQ(firstIds(ids, count), c.ids);
     }
@@ -313,9 +299,11 @@ TEST(Cells, CentredInWidthPlusTwoOddBlankOnTheRight)
         {"", 0, "  "},          {"toolong", 3, "toolong"}, {"abcd", 3, "abcd "},
     };
     for (const auto& c : cases) {
-        testing::internal::CaptureStdout();
-        MPCLI_CoutStrInMiddleSpace(c.text, c.width);
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), c.printed) << c.text << " in " << c.width;
+        Seen seen = watch([&] {
+            MPCLI_CoutStrInMiddleSpace(c.text, c.width);
+            return 0u;
+        });
+        EXPECT_EQ(seen.printed, c.printed) << c.text << " in " << c.width;
     }
 }
 
