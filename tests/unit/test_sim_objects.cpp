@@ -132,8 +132,10 @@ void Put(Wire& w, const Field& f)
 {
     if (f.kind == Field::Text) {
         w.putText(f.off, f.text);
-    } else {
-        w.put32(f.off, static_cast<uint32_t>(f.value));
+        return;
+    }
+    for (size_t i = 0; i < f.len; ++i) {
+        w.bytes.at(f.off + i) = static_cast<uint8_t>(f.value >> (8 * i));
     }
 }
 
@@ -237,33 +239,6 @@ TEST_F(SimObjects, IdListsAnswerAtTheirOffsetsWithinTheCapacity)
     }
 }
 
-// The 848-byte answer holds 210 IDs, whatever the HBA carries.
-TEST(SimObjectsLimits, PathsOfAnHbaStopAtTheRoomOfTheirPayload)
-{
-    Json doc = Json::parse(R"({"driver": {"version": [1, 0, 0]},
-        "hbas": [{"id": 0, "wwn": "w"}], "arrays": [], "paths": []})");
-    uint32_t pathId = 0;
-    for (uint32_t a = 0; a < 2; ++a) {
-        Json array = {{"id", a}, {"name", "A"}, {"sn", "S"}, {"controllers", Json::array()}};
-        for (uint32_t c = 0; c < 16; ++c) {
-            array["controllers"].push_back({{"id", c}});
-            for (uint32_t k = 0; k < 8; ++k) {
-                doc["paths"].push_back({{"id", pathId++}, {"array", a}, {"controller", c}, {"hba", 0}, {"target", "t"}});
-            }
-        }
-        doc["arrays"].push_back(array);
-    }
-    SimContext ctx(doc);
-    Wire w(848 + 16);
-    w.put32(0, 0);
-    ASSERT_EQ(Send(ctx, 0x2c, w), 1024u);
-    EXPECT_EQ(w.u32(4), 210u);
-    EXPECT_EQ(w.u32(8 + 4 * 209), 209u);
-    for (size_t off = 848; off < w.bytes.size(); ++off) {
-        ASSERT_EQ(w.u8(off), kMarker) << off;
-    }
-}
-
 // ---------------------------------------------------------------------------
 // Unknown objects: refused, and the payload left alone except, for an HBA,
 // the code in its result word.
@@ -313,6 +288,7 @@ struct RecordCase {
     std::vector<Field> inputs;
     std::vector<Field> fields;
     long long now = 0;
+    uint32_t result = 1024;
 };
 
 const uint32_t kCaps = (1u << 24) | (1u << 6);
@@ -410,6 +386,14 @@ const std::vector<RecordCase> kRecords = {
     {"TPG 1 name", 0x3e, {U32(0, 3), U32(4, 1)}, {Raw(8, std::string("CTE0.B") + std::string(14, '\0'))}},
     {"TPG 0 name", 0x3e, {U32(0, 3), U32(4, 0)}, {Raw(8, std::string(20, '\0'))}},
     {"TPG 2 name", 0x3e, {U32(0, 3), U32(4, 2)}, {Raw(8, std::string(20, '\0'))}},
+    // Dual-site information of a VLUN: working mode 4 (0, between both
+    // arrays) and the SN of its first member's array; other VLUNs are refused
+    // and the payload left as it came. The host's default primary array
+    // (flag 26) only a driver document that names one can answer.
+    {"dual-site VLUN", 0x5d, {U32(0, 40), U8(26, 0)}, {U8(4, 0), Txt(5, 20, "SN000000000000000003"), U8(26, 0)}},
+    {"ordinary VLUN", 0x5d, {U32(0, 41), U8(26, 0)}, {U8(4, kMarker)}, 0, 1063},
+    {"unknown VLUN", 0x5d, {U32(0, 99), U8(26, 0)}, {U8(4, kMarker)}, 0, 1039},
+    {"no default primary in the document", 0x5d, {U32(0, 0), U8(26, 1)}, {U8(4, kMarker)}, 0, 1},
 };
 
 TEST(SimObjectsRecords, FieldsAtTheirOffsets)
@@ -429,7 +413,7 @@ TEST(SimObjectsRecords, FieldsAtTheirOffsets)
         for (const Field& f : c.inputs) {
             Put(w, f);
         }
-        ASSERT_EQ(Send(ctx, c.nr, w), 1024u);
+        ASSERT_EQ(Send(ctx, c.nr, w), c.result);
         for (const Field& f : c.fields) {
             ExpectField(w, f);
         }
@@ -470,41 +454,15 @@ TEST_F(SimObjects, SyncKeepsTheSerialNumberItWasSent)
     }
 }
 
-// Dual-site information: one VLUN's, or the host's default primary array
-// (flag at 26), which only a driver document that names one can answer.
-TEST_F(SimObjects, DualSiteInfoOfAVlunAndTheDefault)
+TEST_F(SimObjects, DualSiteDefaultPrimaryFromTheDocument)
 {
-    struct DsCase {
-        const char* what;
-        uint32_t vlun;
-        uint8_t defaultFlag;
-        uint32_t result;
-        const char* sn;  // nullptr: the payload stays as it came
-    };
-    const DsCase cases[] = {
-        {"dual-site VLUN: its first member's array", 40, 0, 1024, "SN000000000000000003"},
-        {"ordinary VLUN", 41, 0, 1063, nullptr},
-        {"unknown VLUN", 99, 0, 1039, nullptr},
-        {"no default primary in the document", 0, 1, 1, nullptr},
-        {"the document's default primary", 0, 1, 1024, "SN000000000000000001"},
-    };
-    for (const DsCase& c : cases) {
-        SCOPED_TRACE(c.what);
-        if (c.vlun == 0 && c.sn != nullptr) {
-            doc["driver"]["default_ds_primary"] = 1;
-        }
-        Wire w(28);
-        w.put32(0, c.vlun);
-        w.bytes[26] = c.defaultFlag;
-        ASSERT_EQ(Send(ctx, 0x5d, w), c.result);
-        if (c.sn == nullptr) {
-            EXPECT_EQ(w.u8(4), kMarker);
-            continue;
-        }
-        EXPECT_EQ(w.u8(4), 0) << "working mode: between both arrays";
-        EXPECT_EQ(w.text(5, 20), c.sn);
-        EXPECT_EQ(w.u8(26), 0);
-    }
+    doc["driver"]["default_ds_primary"] = 1;
+    Wire w(28);
+    w.bytes[26] = 1;
+    ASSERT_EQ(Send(ctx, 0x5d, w), 1024u);
+    EXPECT_EQ(w.u8(4), 0);
+    EXPECT_EQ(w.text(5, 20), "SN000000000000000001");
+    EXPECT_EQ(w.u8(26), 0);
 }
 
 // ---------------------------------------------------------------------------
@@ -627,7 +585,7 @@ TEST(SimObjectsGenerator, WritesTheLargestTopologyTheModelLoads)
 TEST(SimObjectsGenerator, EveryPathTheDriverHolds)
 {
     std::string out = testing::TempDir() + "cvsim-paths.json";
-    ASSERT_EQ(Generate("--arrays 2 --vluns 3 --controllers 16 --paths-per-controller 8", out), "0");
+    ASSERT_EQ(Generate("--arrays 2 --vluns 3 --controllers 16 --paths-per-controller 8 --hbas 1", out), "0");
     Json doc = LoadFile(out);
     std::remove(out.c_str());
     SimContext ctx(doc);
@@ -635,6 +593,15 @@ TEST(SimObjectsGenerator, EveryPathTheDriverHolds)
     EXPECT_EQ(Ids(ctx, 0x3c, {{0, 1}}, 4, 8, 12, 16).size(), 16u);
     EXPECT_EQ(Ids(ctx, 0x3d, {{0, 1}, {4, 15}}, 8, 16, 24, 8).size(), 8u);
     EXPECT_EQ(Ids(ctx, 0x1f, {{0, 0}}, 4, 8, 12, 128).size(), 128u);
+
+    // All 256 paths on one HBA: its 848-byte answer holds 210 of them.
+    Wire w(848 + 16);
+    w.put32(0, 0);
+    ASSERT_EQ(Send(ctx, 0x2c, w), 1024u);
+    EXPECT_EQ(w.u32(4), 210u);
+    for (size_t off = 848; off < w.bytes.size(); ++off) {
+        ASSERT_EQ(w.u8(off), kMarker) << off;
+    }
 }
 
 TEST(SimObjectsGenerator, RefusesWhatTheDriverCannotHold)
