@@ -229,18 +229,6 @@ TEST(OperDescriptions, EveryEventHasItsEnglishText)
     EXPECT_EQ(seen.size(), UIL_OPER_FMT_ROWS);
 }
 
-TEST(OperDescriptions, LevelsOfTheRows)
-{
-    const std::pair<uint32_t, uint32_t> levels[] = {
-        {0x53415101, 0}, {0x53415102, 0}, {0x5341514c, 0}, {0x53415148, 0}, {0x5341510c, 0},
-        {0x5341510b, 2}, {0x5341510e, 2}, {0x53415150, 2}, {0x53415128, 1}, {0x53415111, 1},
-    };
-    for (auto [eventId, level] : levels) {
-        Descriptions d = describe(eventId, value(""));
-        EXPECT_EQ(g_astUILOperLogFmt[d.index].level, level) << std::hex << eventId;
-    }
-}
-
 struct LocalCase {
     uint32_t eventId;
     UilOperLogPara record;
