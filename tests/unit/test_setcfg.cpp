@@ -8,6 +8,7 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "support/cfg_fixture.h"
 #include "uil/uil_setcfg.h"
@@ -170,7 +171,31 @@ TEST_F(SetCfg, KeyedSettersAtTheHostLevel)
     for (const KeyedCase& c : kKeyed) {
         SCOPED_TRACE(c.item);
         restart();
+        ASSERT_NE(common(c.item), c.good) << "the value must differ from the default";
+
+        // Refused by the driver, by the item, or for an unknown key: nothing
+        // is saved, and the record still tells what was asked.
+        driver().resultByNr[uia_req::CfgNotify.nr] = MPI_RET_IOCTL_FAIL;
         UilOperLogPara r = sentinel();
+        EXPECT_NE(c.set("CLI", "", "", c.good, &r), MPI_RET_SUCCESS);
+        EXPECT_STREQ(r.szValue, c.good);
+        release();
+        r = sentinel();
+        EXPECT_NE(c.set("CLI", "", "", c.bad, &r), MPI_RET_SUCCESS);
+        EXPECT_EQ(r.uiObjType, 100u);
+        EXPECT_STREQ(r.szValue, c.bad);
+        release();
+        r = sentinel();
+        EXPECT_EQ(c.set("CLI", "array_idx", "1", c.good, &r), MPI_RET_FAIL);
+        EXPECT_EQ(r.uiObjType, 101u);  // the record classifies by prefix
+        EXPECT_EQ(r.uiObjId, 1u);
+        EXPECT_STREQ(r.szValue, c.good);
+        EXPECT_EQ(readFile(cfgPath()), startDocument());
+        EXPECT_EQ(driver().sent.size(), 1u) << "only the value the driver refused was sent";
+
+        driver().sent.clear();
+        driver().resultByNr.clear();
+        r = sentinel();
         ASSERT_EQ(c.set("CLI", "", "", c.good, &r), MPI_RET_SUCCESS);
         EXPECT_EQ(common(c.item), c.good);
         ASSERT_EQ(driver().sent.size(), 1u);
@@ -178,26 +203,6 @@ TEST_F(SetCfg, KeyedSettersAtTheHostLevel)
         EXPECT_EQ(r.uiObjType, 100u);
         EXPECT_EQ(r.uiObjId, 0u);
         EXPECT_STREQ(r.szValue, c.good);
-
-        // Refused by the item, by the driver, or for an unknown key: nothing
-        // more is saved, and the record still tells what was asked.
-        const std::string saved = readFile(cfgPath());
-        r = sentinel();
-        EXPECT_NE(c.set("CLI", "", "", c.bad, &r), MPI_RET_SUCCESS);
-        EXPECT_EQ(r.uiObjType, 100u);
-        EXPECT_STREQ(r.szValue, c.bad);
-        EXPECT_EQ(driver().sent.size(), 1u) << "a bad value never reaches the driver";
-        release();
-        driver().resultByNr[uia_req::CfgNotify.nr] = MPI_RET_IOCTL_FAIL;
-        EXPECT_NE(c.set("CLI", "", "", c.good, &r), MPI_RET_SUCCESS);
-        release();
-        r = sentinel();
-        EXPECT_EQ(c.set("CLI", "array_idx", "1", c.good, &r), MPI_RET_FAIL);
-        EXPECT_EQ(r.uiObjType, 101u);  // the record classifies by prefix
-        EXPECT_EQ(r.uiObjId, 1u);
-        EXPECT_STREQ(r.szValue, c.good);
-        EXPECT_EQ(readFile(cfgPath()), saved);
-        EXPECT_EQ(driver().sent.size(), 2u);
 
         // Missing arguments leave the record alone.
         r = sentinel();
@@ -234,8 +239,9 @@ TEST_F(SetCfg, BadObjectIdsAreRefused)
 }
 
 // ---------------------------------------------------------------------------
-// Host-only settings: beyond either end of its range, or not a plain
-// number, a value is refused before the driver and the file.
+// Host-only settings. The degrade and latency settings at and beyond both
+// ends of their ranges are in the degrade and latency transcripts; the path
+// check intervals are not, and every setter must refuse a missing value.
 
 using ValueSetter = uint32_t (*)(const char*, const char*, UilOperLogPara*);
 
@@ -247,52 +253,54 @@ uint32_t setLatency(const char*, const char* value, UilOperLogPara* record)
     return INTF_UIL_SetIOLatencyThreshold(value);
 }
 
-struct RangeCase {
-    ValueSetter set;
-    const char* below;  // null: the minimum is 0
-    const char* above;
-};
-
-const RangeCase kRanges[] = {
-    {INTF_UIL_SetTimeOutDegradedTime, "59", "2592001"},
-    {INTF_UIL_SetTimeOutDegradedThreshold, nullptr, "65536"},
-    {INTF_UIL_SetTimeOutDegradedRecoverTime, "1799", "2592001"},
-    {INTF_UIL_SetInterErrorDegradedTime, "59", "2592001"},
-    {INTF_UIL_SetInterErrorDegradedMinIo, "4999", "65536"},
-    {INTF_UIL_SetInterErrorDegradedThreshold, nullptr, "101"},
-    {INTF_UIL_SetInterErrorDegradedRecoverTime, "1799", "2592001"},
-    {INTF_UIL_SetInterFaultDegradedTime, "59", "2592001"},
-    {INTF_UIL_SetInterFaultDegradedThreshold, nullptr, "65536"},
-    {INTF_UIL_SetInterFaultDegradedRecoverTime, "59", "2592001"},
-    {INTF_UIL_SetHighLatencyDegradedTime, "59", "18001"},
-    {INTF_UIL_SetHighLatencyDegradedThreshold, nullptr, "65536"},
-    {INTF_UIL_SetHighLatencyDegradedRecoverTime, "59", "2592001"},
-    {INTF_UIL_SetSensitiveDelayedThreshold, "99", "60001"},
-    {INTF_UIL_SetSensitiveDelayedRecoverTime, "0", "2592001"},
-    {INTF_UIL_SetFaultPathCheckInterval, "0", "2592001"},
-    {INTF_UIL_SetIdlePathCheckInterval, "0", "2592001"},
-    {setLatency, nullptr, "120001"},
-};
-
-TEST_F(SetCfg, HostSettingsRefuseValuesOutOfRange)
+TEST_F(SetCfg, PathCheckIntervals)
 {
-    const std::string saved = readFile(cfgPath());
-    for (size_t row = 0; row < std::size(kRanges); ++row) {
-        const RangeCase& c = kRanges[row];
-        for (const char* bad : {c.below, c.above, "", "1.5", " 70", "+70", "70s"}) {
-            if (bad == nullptr) {
-                continue;
-            }
-            SCOPED_TRACE(testing::Message() << "row " << row << " '" << bad << "'");
+    const std::pair<ValueSetter, const char*> kIntervals[] = {
+        {INTF_UIL_SetFaultPathCheckInterval, "failpath_check_interval"},
+        {INTF_UIL_SetIdlePathCheckInterval, "idlepath_check_interval"},
+    };
+    for (const auto& [set, item] : kIntervals) {
+        SCOPED_TRACE(item);
+        for (const char* good : {"1", "2592000"}) {
+            driver().sent.clear();
+            UilOperLogPara r = sentinel();
+            ASSERT_EQ(set("CLI", good, &r), MPI_RET_SUCCESS) << good;
+            EXPECT_EQ(common(item), good);
+            ASSERT_EQ(driver().sent.size(), 1u);
+            EXPECT_EQ(driver().sent[0].bytes, notifyBytes(100, "", {{item, good}}));
+            EXPECT_EQ(r.uiObjType, 0u);
+            EXPECT_STREQ(r.szValue, good);
+        }
+        driver().sent.clear();
+        const std::string saved = readFile(cfgPath());
+        for (const char* bad : {"0", "2592001", "", "1.5", " 70", "+70", "70s"}) {
             UilOperLogPara r{};
-            EXPECT_NE(c.set("CLI", bad, &r), MPI_RET_SUCCESS);
+            EXPECT_NE(set("CLI", bad, &r), MPI_RET_SUCCESS) << "'" << bad << "'";
             release();
             EXPECT_STREQ(r.szValue, bad);
         }
-        UilOperLogPara r = sentinel();
-        EXPECT_EQ(c.set("CLI", nullptr, &r), MPI_RET_INVALID_PARAM);
+        EXPECT_EQ(readFile(cfgPath()), saved);
+        EXPECT_TRUE(driver().sent.empty());
     }
-    EXPECT_EQ(readFile(cfgPath()), saved);
+}
+
+TEST_F(SetCfg, EveryHostSetterRefusesAMissingValue)
+{
+    const ValueSetter kSetters[] = {
+        INTF_UIL_SetTimeOutDegradedTime,           INTF_UIL_SetTimeOutDegradedThreshold,
+        INTF_UIL_SetTimeOutDegradedRecoverTime,    INTF_UIL_SetInterErrorDegradedTime,
+        INTF_UIL_SetInterErrorDegradedMinIo,       INTF_UIL_SetInterErrorDegradedThreshold,
+        INTF_UIL_SetInterErrorDegradedRecoverTime, INTF_UIL_SetInterFaultDegradedTime,
+        INTF_UIL_SetInterFaultDegradedThreshold,   INTF_UIL_SetInterFaultDegradedRecoverTime,
+        INTF_UIL_SetHighLatencyDegradedTime,       INTF_UIL_SetHighLatencyDegradedThreshold,
+        INTF_UIL_SetHighLatencyDegradedRecoverTime, INTF_UIL_SetSensitiveDelayedThreshold,
+        INTF_UIL_SetSensitiveDelayedRecoverTime,   INTF_UIL_SetFaultPathCheckInterval,
+        INTF_UIL_SetIdlePathCheckInterval,         setLatency,
+    };
+    for (size_t i = 0; i < std::size(kSetters); ++i) {
+        UilOperLogPara r = sentinel();
+        EXPECT_EQ(kSetters[i]("CLI", nullptr, &r), MPI_RET_INVALID_PARAM) << "setter " << i;
+    }
     EXPECT_TRUE(driver().sent.empty());
 }
 
