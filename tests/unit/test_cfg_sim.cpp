@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "support/sim_harness.h"
-#include "test_cfg_support.h"
+#include "support/cfg_support.h"
 #include "uil/uil.h"
 
 using namespace cfgtest;

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "support/sim_harness.h"
-#include "test_cfg_support.h"
+#include "support/cfg_support.h"
 #include "uil/uil.h"
 #include "uil/uil_objects.h"
 #include "uil/uil_setcfg.h"

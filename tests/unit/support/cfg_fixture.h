@@ -1,9 +1,9 @@
-// The configuration store in a private sandbox, for the tests that drive it
+// The configuration store in the run's sandbox, for the tests that drive it
 // with the recording fake driver.
 //
 // A test binary registers StoreEnvironment once (the store is opened for
-// the whole run and the sandbox removed at the end) and derives its fixtures
-// from StoreTest, naming the document every test starts from.
+// the whole run) and derives its fixtures from StoreTest, naming the
+// document every test starts from.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 #include <string>
 #include <utility>
 
-#include "../test_cfg_support.h"
+#include "cfg_support.h"
 
 namespace cfgtest {
 
@@ -22,12 +22,7 @@ public:
         (void)sandbox();
         ASSERT_EQ(UIL_CfgInit(), MPI_RET_SUCCESS);
     }
-    void TearDown() override
-    {
-        UIL_CfgFini();
-        std::error_code ignored;
-        fs::remove_all(sandbox(), ignored);
-    }
+    void TearDown() override { UIL_CfgFini(); }
 };
 
 // Each test (and each restart() of a table-driven one) begins with the

@@ -1,4 +1,4 @@
-// Shared by the configuration store's tests: a private sandbox root, file
+// Shared by the configuration store's tests: the sandbox root, file
 // helpers, a recording fake driver, and the driver payloads as the wire
 // layout writes them (literal offsets, independent of the store's code).
 #pragma once
@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -24,17 +25,21 @@ namespace cfgtest {
 
 namespace fs = std::filesystem;
 
-// Set before the program's first look at CVADM_ROOT.
+// The run's sandbox root, made and later removed by the test main; the
+// store's folders are added at the first use, before the program's first
+// look at them.
 inline const std::string& sandbox()
 {
     static const std::string root = [] {
-        std::string dir = fs::temp_directory_path() / ("cvadm-cfg-" + std::to_string(getpid()));
-        fs::remove_all(dir);
-        fs::create_directories(dir + "/etc");
-        fs::create_directories(dir + "/opt/Corvane/log");
-        setenv("CVADM_ROOT", dir.c_str(), 1);
+        const char* dir = std::getenv("CVADM_ROOT");
+        if (dir == nullptr || *dir == '\0') {
+            std::fprintf(stderr, "CVADM_ROOT is not set: these tests need the sandbox of the test main\n");
+            std::abort();
+        }
+        fs::create_directories(std::string(dir) + "/etc");
+        fs::create_directories(std::string(dir) + "/opt/Corvane/log");
         UIL_GetLogPathName();
-        return dir;
+        return std::string(dir);
     }();
     return root;
 }
