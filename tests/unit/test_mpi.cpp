@@ -13,6 +13,7 @@
 
 #include "mpi/mpi_root.h"
 #include "mpi/mpi_usr.h"
+#include "support/test_files.h"
 
 namespace fs = std::filesystem;
 
@@ -27,13 +28,7 @@ const std::string& sandbox()
 
 std::string traceFile() { return sandbox() + "/opt/Corvane/log/cli_uil_log.txt"; }
 
-std::string readAll(const std::string& path)
-{
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
+std::string readAll(const std::string& path) { return testfiles::text(path); }
 
 std::string lastLine(const std::string& text)
 {

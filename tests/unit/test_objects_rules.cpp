@@ -11,18 +11,12 @@
 #include <string>
 #include <vector>
 
+#include "support/test_files.h"
 #include "uil/uil_objects_int.h"
 
 namespace {
 
-// The test main gives every run a sandbox root of its own; traces go beneath it.
-std::string traceText()
-{
-    std::ifstream in(std::string(std::getenv("CVADM_ROOT")) + "/opt/Corvane/log/cli_uil_log.txt");
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
+using testfiles::traceText;
 
 class ObjectRules : public ::testing::Test {};
 

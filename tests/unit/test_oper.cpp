@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "mpi/mpi_root.h"
+#include "support/test_files.h"
 #include "uil/uil_oper.h"
 
 namespace fs = std::filesystem;
@@ -44,13 +45,7 @@ std::string logDir() { return sandbox() + "/opt/Corvane/log"; }
 std::string operLog() { return logDir() + "/oper_log"; }
 std::string serialFile() { return logDir() + "/serial_oper"; }
 
-std::string readAll(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
+std::string readAll(const std::string& path) { return testfiles::text(path); }
 
 void writeFile(const std::string& path, const std::string& content)
 {

@@ -14,17 +14,11 @@
 #include "cli/cli_print.h"
 #include "cli/cli_token.h"
 #include "mpi/mpi_usr.h"
+#include "support/test_files.h"
 
 namespace {
 
-// The test main gives every run a sandbox root of its own.
-std::string traceText()
-{
-    std::ifstream in(std::string(std::getenv("CVADM_ROOT")) + "/opt/Corvane/log/cli_uil_log.txt");
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
+using testfiles::traceText;
 
 // "[date] [code] [level] [module] [func: line ] message"
 const std::regex kTraceLine(R"(^(?:\[[^\]]*\] ){4}\[\w+: \d+ \] (.*)$)");

@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "mpi/mpi_usr.h"
+#include "test_files.h"
 #include "uil/uil_cfg.h"
 
 namespace cfgtest {
@@ -48,13 +49,7 @@ inline std::string cfgPath() { return sandbox() + "/etc/user_cfg.xml"; }
 inline std::string bakPath() { return sandbox() + "/etc/user_cfg.xml.bak"; }
 inline std::string lockPath() { return sandbox() + "/etc/usercfgxml.lock"; }
 
-inline std::string readFile(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
+inline std::string readFile(const std::string& path) { return testfiles::text(path); }
 
 inline void writeFile(const std::string& path, const std::string& text)
 {

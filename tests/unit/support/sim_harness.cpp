@@ -16,6 +16,7 @@
 #include <regex>
 #include <sstream>
 
+#include "test_files.h"
 #include "uil/uil.h"
 
 extern char** environ;
@@ -102,19 +103,9 @@ int relaunchUnderSim(const char* name, char** argv)
 
 }  // namespace
 
-std::string root()
-{
-    const char* dir = std::getenv("CVADM_ROOT");
-    return dir != nullptr ? dir : "";
-}
+std::string root() { return testfiles::root(); }
 
-std::string rootFile(const std::string& relative)
-{
-    std::ifstream in(root() + "/" + relative, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
+std::string rootFile(const std::string& relative) { return testfiles::text(root() + "/" + relative); }
 
 void setFaults(const std::string& lines) { writeRootFile("sim/faults", lines); }
 std::string faults() { return rootFile("sim/faults"); }
