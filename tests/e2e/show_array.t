@@ -163,7 +163,8 @@ A refused array list, and a refused array request.
 the common ones. Array 1 (S5500T-Backup) gets two values of its own.
 
   $ sed -i 's|<array/>|<array><array210235G6GR10B9000042><loadbalancemode>round-robin</loadbalancemode><workingmode>0</workingmode></array210235G6GR10B9000042></array>|' root/etc/user_cfg.xml
-  $ cv show array id=4,1 verbose | sed -n '/^Working Mode/,$p'
+  $ cv show array id=4,1 verbose | sed -n '/Information/p; /^Working Mode/,/^=/p'
+                    Array#4 Information                  
   Working Mode   : load balancing within controller
   LUN Trespass   : on
   LoadBalance Mode          : minimal queue depth algorithm
@@ -171,25 +172,7 @@ the common ones. Array 1 (S5500T-Backup) gets two values of its own.
   Io Suspension Time        : 60
   Max io retry timeout      : 1800
   =======================================================
-  =======================================================
                     Array#1 Information                  
-  =======================================================
-  Array Name     : S5500T-Backup
-  Array SN       : 210235G6GR10B9000042
-  Vendor Name    : CORVANE
-  Product Name   : S5500T
-  Controller 0
-         Status  : Enable
-         LunCount: 2
-         PathInfo: 
-                  Path6: Normal
-                  Path8: Normal
-  Controller 1
-         Status  : Enable
-         LunCount: 2
-         PathInfo: 
-                  Path7: Normal
-                  Path9: Fault
   Working Mode   : load balancing between controllers
   LUN Trespass   : on
   LoadBalance Mode          : round robin algorithm
@@ -197,6 +180,8 @@ the common ones. Array 1 (S5500T-Backup) gets two values of its own.
   Io Suspension Time        : 60
   Max io retry timeout      : 1800
   =======================================================
+  $ cv show array id=1 verbose | head -n -7 | cmp - <(cv show array id=1 | head -n -1) && echo same detail
+  same detail
 
 Without a readable configuration the array is skipped, and the others are
 still shown.
