@@ -64,6 +64,23 @@ int32_t appendText(char* dest, uint64_t capacity, const char* src, uint64_t limi
     return EOK;
 }
 
+// The checks the copying and appending routines open with: EOK when the
+// operation may go on, else the code to return (a null source also clears
+// the destination).
+int32_t checkStringArgs(char* dest, uint64_t capacity, const char* src)
+{
+    if (capacityInvalid(capacity)) {
+        return BND_ERANGE;
+    }
+    if (dest == nullptr) {
+        return BND_EINVAL;
+    }
+    if (src == nullptr) {
+        return resetString(dest, BND_EINVAL_RESET);
+    }
+    return EOK;
+}
+
 }  // namespace
 
 int32_t memcpy_s(void* dest, uint64_t capacity, const void* src, uint64_t count)
@@ -109,14 +126,8 @@ int32_t strcpy_s(char* dest, uint64_t capacity, const char* src)
 
 int32_t strncpy_s(char* dest, uint64_t capacity, const char* src, uint64_t count)
 {
-    if (capacityInvalid(capacity)) {
-        return BND_ERANGE;
-    }
-    if (dest == nullptr) {
-        return BND_EINVAL;
-    }
-    if (src == nullptr) {
-        return resetString(dest, BND_EINVAL_RESET);
+    if (const int32_t ret = checkStringArgs(dest, capacity, src); ret != EOK) {
+        return ret;
     }
     // Never read more of src than could fit: a length equal to the capacity
     // already leaves no byte for the terminator.
@@ -134,14 +145,8 @@ int32_t strcat_s(char* dest, uint64_t capacity, const char* src)
 
 int32_t strncat_s(char* dest, uint64_t capacity, const char* src, uint64_t count)
 {
-    if (capacityInvalid(capacity)) {
-        return BND_ERANGE;
-    }
-    if (dest == nullptr) {
-        return BND_EINVAL;
-    }
-    if (src == nullptr) {
-        return resetString(dest, BND_EINVAL_RESET);
+    if (const int32_t ret = checkStringArgs(dest, capacity, src); ret != EOK) {
+        return ret;
     }
     return appendText(dest, capacity, src, count);
 }
