@@ -1,7 +1,6 @@
-// The simulated driver's storage-object answers, read back byte for byte at
-// the driver's offsets (written out here, not taken from the model), on a
-// small topology of this file; the checks on the generated largest topology
-// follow at the end.
+// The simulated driver's storage-object answers, read back at the driver's
+// offsets (written out here, not taken from the model), on a small topology
+// of this file; the checks on the generated largest topology follow at the end.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
@@ -112,25 +111,24 @@ struct Wire {
     }
 };
 
-// One field of a payload: a little-endian number of 1, 4 or 8 bytes, a text
-// of at most `len` bytes up to its NUL, or `len` raw bytes.
+// One field of a payload: a little-endian number of 1, 4 or 8 bytes, or a
+// text of at most `len` bytes up to its NUL.
 struct Field {
-    enum Kind { Number, Text, Raw } kind;
+    bool isText;
     size_t off;
     size_t len;
     uint64_t value;
     std::string text;
 };
 
-Field U8(size_t off, uint64_t v) { return {Field::Number, off, 1, v, {}}; }
-Field U32(size_t off, uint64_t v) { return {Field::Number, off, 4, v, {}}; }
-Field U64(size_t off, uint64_t v) { return {Field::Number, off, 8, v, {}}; }
-Field Txt(size_t off, size_t len, std::string s) { return {Field::Text, off, len, 0, std::move(s)}; }
-Field Raw(size_t off, std::string bytes) { return {Field::Raw, off, bytes.size(), 0, std::move(bytes)}; }
+Field U8(size_t off, uint64_t v) { return {false, off, 1, v, {}}; }
+Field U32(size_t off, uint64_t v) { return {false, off, 4, v, {}}; }
+Field U64(size_t off, uint64_t v) { return {false, off, 8, v, {}}; }
+Field Txt(size_t off, size_t len, std::string s) { return {true, off, len, 0, std::move(s)}; }
 
 void Put(Wire& w, const Field& f)
 {
-    if (f.kind == Field::Text) {
+    if (f.isText) {
         w.putText(f.off, f.text);
         return;
     }
@@ -141,16 +139,10 @@ void Put(Wire& w, const Field& f)
 
 void ExpectField(const Wire& w, const Field& f)
 {
-    switch (f.kind) {
-    case Field::Number:
-        EXPECT_EQ(w.le(f.off, f.len), f.value) << "at " << f.off;
-        break;
-    case Field::Text:
+    if (f.isText) {
         EXPECT_EQ(w.text(f.off, f.len), f.text) << "at " << f.off;
-        break;
-    case Field::Raw:
-        EXPECT_EQ(std::string(w.bytes.begin() + f.off, w.bytes.begin() + f.off + f.len), f.text) << "at " << f.off;
-        break;
+    } else {
+        EXPECT_EQ(w.le(f.off, f.len), f.value) << "at " << f.off;
     }
 }
 
@@ -291,105 +283,39 @@ struct RecordCase {
     uint32_t result = 1024;
 };
 
-const uint32_t kCaps = (1u << 24) | (1u << 6);
-const std::string kV4 = std::string("\x0a\x01\x02\x03", 4) + std::string(12, '\0');
-const std::string kV6 = std::string("\xfd", 1) + std::string(12, '\0') + std::string("\x01\x00\x02", 3);
-
+// Only what moves with the clock, follows the VLUN type, or has no decoder
+// test of its own: the other records reach the show transcripts through the
+// program's decoders, whose offsets are checked there.
 const std::vector<RecordCase> kRecords = {
-    {"array 3", 0x0c, {U32(0, 3)},
-     {U32(0, 3), Txt(4, 80, "Alpha"), Txt(85, 8, "CORVANE"), Txt(94, 16, "Dorado"), Txt(111, 4, "6.1"),
-      Txt(116, 20, "SN000000000000000003"), Txt(137, 129, "alua"), U32(436, kCaps), U8(440, 1), U8(441, 0),
-      U8(442, 2),
-      // every text is followed by a zero byte, and what the topology does not give is zero
-      U8(84, 0), U8(93, 0), U8(110, 0), U8(115, 0), U8(136, 0), U8(266, 0), U8(268, 0), U8(272, 0), U8(404, 0),
-      U8(428, 0), U8(432, 0), U8(443, 0)}},
-    {"disk 20", 0x17, {U32(0, 20)},
-     {U32(0, 20), U32(4, 40), U32(8, 1), U32(12, 0), U32(16, 3), U32(20, 4), U32(36, 6), U64(40, 5000000000123),
-      Txt(48, 64, "normal"), Txt(120, 8, "CORVANE"), Txt(136, 16, "Dorado"), Txt(160, 4, "6.1"),
-      Txt(168, 32, "60000000000000000000000000000020"), Txt(208, 80, "Alpha"), Txt(296, 20, "SN000000000000000003"),
-      Txt(324, 129, "alua"), Txt(460, 64, "sdq"), U32(500, kCaps), U32(532, 9), U8(536, 1), U32(540, 4)}},
-    {"disk 26: UTF-8 array name, no device LUN ID", 0x17, {U32(0, 26)},
-     {Txt(208, 80, "\xe5\xad\x98\xe5\x82\xa8"), U8(536, 0)}},
-    // Status bytes 537 normal, 538 degraded, 529 unavailable follow the logical paths.
-    {"disk 20: a normal and a busy path among a disabled and a down one", 0x17, {U32(0, 20)},
-     {U8(537, 1), U8(538, 1), U8(529, 0)}},
-    {"disk 21: busy only", 0x17, {U32(0, 21)}, {U8(537, 0), U8(538, 1), U8(529, 0)}},
-    {"disk 22: down only", 0x17, {U32(0, 22)}, {U8(537, 0), U8(538, 0), U8(529, 0)}},
-    {"disk 23: through a disabled HBA only", 0x17, {U32(0, 23)}, {U8(537, 0), U8(538, 0), U8(529, 0)}},
-    {"disk 24: its only logical path faulty", 0x17, {U32(0, 24)}, {U8(537, 0), U8(538, 0), U8(529, 0)}},
-    {"disk 25: unavailable on a normal path", 0x17, {U32(0, 25)}, {U8(537, 1), U8(538, 0), U8(529, 1)}},
-    // VLUNs: WWN, SN, type at 58, PE at 59, members at 60.., suspension in ms at 72 and 76.
-    {"VLUN 40 dual-site", 0x5f, {U32(0, 40)},
-     {U32(0, 40), Txt(4, 32, "60000000000000000000000000000020"), U8(36, 0), Txt(37, 20, "SN000000000000000003"),
-      U8(57, 0), U8(58, 38), U8(59, 0), U32(60, 2), U32(64, 20), U32(68, 26), U32(72, 0), U32(76, 0)},
-     1000080},
-    {"VLUN 41", 0x5f, {U32(0, 41)},
-     {Txt(4, 32, "60000000000000000000000000000021"), U8(58, 37), U8(59, 0), U32(60, 1), U32(64, 21), U32(68, 0)},
-     1000080},
-    {"VLUN 42 PE type", 0x5f, {U32(0, 42)}, {U8(58, 41), U8(59, 1), U32(60, 1), U32(64, 22)}, 1000080},
-    {"VLUN 43 PE flag, suspended", 0x5f, {U32(0, 43)},
-     {U8(58, 37), U8(59, 1), U32(64, 23), U32(72, 100000), U32(76, 70000)}, 1000080},
-    {"VLUN 44 migration", 0x5f, {U32(0, 44)},
-     {Txt(4, 32, "60000000000000000000000000000024"), U8(58, 39), U32(60, 2), U32(64, 24), U32(68, 25)}, 1000080},
-    // The suspension ends when its time is up.
-    {"VLUN 43 before", 0x5f, {U32(0, 43)}, {U32(72, 0), U32(76, 0)}, 1000049},
-    {"VLUN 43 start", 0x5f, {U32(0, 43)}, {U32(72, 100000), U32(76, 100000)}, 1000050},
-    {"VLUN 43 last second", 0x5f, {U32(0, 43)}, {U32(72, 100000), U32(76, 1000)}, 1000149},
-    {"VLUN 43 over", 0x5f, {U32(0, 43)}, {U32(72, 0), U32(76, 0)}, 1000150},
-    // Physical paths; retries grow 36 an hour from their base.
-    {"physical path 10", 0x2a, {U32(0, 10)},
-     {U32(0, 10), U32(4, 3), U32(8, 0), U32(12, 1), U32(16, 19), U32(20, 22), U32(24, 1), U32(28, 1), U32(32, 3),
-      U32(36, 101), U32(40, 106), U64(48, 7 + 36 * 2), U64(56, 2), U64(72, 9), U64(80, 1), U64(88, 4),
-      Txt(96, 80, "Alpha"), Txt(184, 241, "21:00:00:24:ff:00:00:05"), Txt(432, 241, "20:00:00:00:00:00:00:10"),
-      Txt(680, 136, "QLogic qla2xxx"), U32(816, kCaps), U8(844, 1), Txt(904, 32, "0A"), Txt(937, 128, "P10")},
-     1000000 + 7200},
-    {"physical path 11: named controller", 0x2a, {U32(0, 11)}, {U32(12, 1), U8(844, 1), Txt(904, 32, "CTE0.B")}},
-    {"physical path 12: disabled HBA", 0x2a, {U32(0, 12)}, {U32(12, 1), U8(844, 0), Txt(904, 32, "CTE0.B")}},
-    {"physical path 13: link down", 0x2a, {U32(0, 13)}, {U32(12, 2), U8(844, 1), Txt(904, 32, "1A")}},
-    {"iSCSI path 14, IPv4", 0x2a, {U32(0, 14)},
-     {U32(28, 3), Txt(184, 225, "iqn.1994-05.com.example:h1"), Raw(184 + 225, kV4), U32(1068, 40000),
-      U32(1072, 3260)}},
-    {"iSCSI path 15, IPv6", 0x2a, {U32(0, 15)},
-     {U32(28, 3), Raw(184 + 225, kV6), U32(1068, 40001), U32(1072, 3260)}},
-    // The average latency steps by a millisecond every five minutes, round 0, 1, 2.
+    // Retries grow 36 an hour from their base; the average latency steps by a
+    // millisecond every five minutes, round 0, 1, 2.
     {"counters before the start", 0x2a, {U32(0, 10)}, {U64(48, 7), U64(88, 4), U64(72, 9)}, 999000},
     {"counters at the start", 0x2a, {U32(0, 10)}, {U64(48, 7), U64(88, 4), U64(72, 9)}, 1000000},
     {"counters at 299 s", 0x2a, {U32(0, 10)}, {U64(48, 9), U64(88, 4), U64(72, 9)}, 1000299},
     {"counters at 300 s", 0x2a, {U32(0, 10)}, {U64(48, 10), U64(88, 5), U64(72, 9)}, 1000300},
     {"counters at 600 s", 0x2a, {U32(0, 10)}, {U64(48, 13), U64(88, 6), U64(72, 9)}, 1000600},
     {"counters at 900 s", 0x2a, {U32(0, 10)}, {U64(48, 16), U64(88, 4), U64(72, 9)}, 1000900},
-    // Logical paths: state 16, I/O 24, SCSI host 32, target 40 (the path's
-    // place on its HBA), flags 68 (bit 4 through the owning controller),
-    // enabled 97, faulty 1073.
-    {"logical path 20/10", 0x20, {U32(0, 20), U32(4, 10)},
-     {U32(0, 20), U32(4, 10), U32(8, 20), U32(12, 40), U32(16, 9), U32(24, 19), U32(32, 7), U32(36, 0), U32(40, 0),
-      U32(60, 1), U32(68, 0), U64(88, 4), U8(97, 1), Txt(170, 80, "Alpha"), Txt(506, 241, "20:00:00:00:00:00:00:10"),
-      U32(1052, kCaps), U8(1073, 0)}},
-    {"logical path 20/11", 0x20, {U32(0, 20), U32(4, 11)},
-     {U32(16, 9), U32(24, 21), U32(32, 7), U32(40, 1), U32(68, 16), U8(97, 1), U8(1073, 0)}},
-    {"logical path 20/12", 0x20, {U32(0, 20), U32(4, 12)},
-     {U32(16, 9), U32(24, 19), U32(32, 8), U32(40, 0), U32(68, 16), U8(97, 0), U8(1073, 0)}},
-    {"logical path 20/13", 0x20, {U32(0, 20), U32(4, 13)},
-     {U32(16, 10), U32(24, 19), U32(40, 2), U32(68, 0), U8(97, 1), U8(1073, 0)}},
-    {"logical path 24/10", 0x20, {U32(0, 24), U32(4, 10)},
-     {U32(8, 24), U32(12, 44), U32(16, 9), U32(40, 0), U32(68, 16), U64(88, 0), U8(97, 1), U8(1073, 1)}},
-    {"logical iSCSI path 26/14", 0x20, {U32(0, 26), U32(4, 14)}, {Raw(258 + 225, kV4), U32(72, 40000), U32(80, 3260)}},
-    {"logical iSCSI path 26/15", 0x20, {U32(0, 26), U32(4, 15)}, {Raw(258 + 225, kV6), U32(72, 40001), U32(80, 3260)}},
-    // HBAs: result word 0, ID 4, SCSI host 8, WWN 12, enabled 254.
+    {"counters after two hours", 0x2a, {U32(0, 10)}, {U64(48, 7 + 36 * 2)}, 1000000 + 7200},
+    // The suspension of VLUN 43 (timeout 72, remaining 76, in ms) ends when its time is up.
+    {"VLUN 43 before", 0x5f, {U32(0, 43)}, {U32(72, 0), U32(76, 0)}, 1000049},
+    {"VLUN 43 start", 0x5f, {U32(0, 43)}, {U32(72, 100000), U32(76, 100000)}, 1000050},
+    {"VLUN 43 later", 0x5f, {U32(0, 43)}, {U32(72, 100000), U32(76, 70000)}, 1000080},
+    {"VLUN 43 last second", 0x5f, {U32(0, 43)}, {U32(72, 100000), U32(76, 1000)}, 1000149},
+    {"VLUN 43 over", 0x5f, {U32(0, 43)}, {U32(72, 0), U32(76, 0)}, 1000150},
+    // HBAs (result word 0, ID 4, SCSI host 8, WWN 12, enabled 254) and target
+    // port groups (state 12 and remote 20; the name at 8, zero to the end):
+    // the program has no decoder test for these.
     {"HBA by WWN", 0x40, {U32(0, 1030), Txt(12, 241, "21:00:00:24:ff:00:00:06")},
      {U32(0, 1024), U32(4, 6), U32(8, 8), Txt(12, 241, "21:00:00:24:ff:00:00:06"), U8(254, 0)}},
     {"HBA by ID", 0x41, {U32(0, 1030), U32(4, 7)}, {U32(4, 7), Txt(12, 241, "iqn.1994-05.com.example:h1"), U8(254, 1)}},
-    // TPGs: state 12 and remote 20 of the information; the name at 8, zero to the end.
     {"TPG 1 information", 0x3d, {U32(0, 3), U32(4, 1), U32(8, 8)}, {U32(12, 1), U8(20, 1)}},
-    {"TPG 0 information", 0x3d, {U32(0, 3), U32(4, 0), U32(8, 8)}, {U32(12, 1), U8(20, 0)}},
     {"TPG 2 information", 0x3d, {U32(0, 3), U32(4, 2), U32(8, 8)}, {U32(12, 2), U8(20, 0)}},
-    {"TPG 1 name", 0x3e, {U32(0, 3), U32(4, 1)}, {Raw(8, std::string("CTE0.B") + std::string(14, '\0'))}},
-    {"TPG 0 name", 0x3e, {U32(0, 3), U32(4, 0)}, {Raw(8, std::string(20, '\0'))}},
-    {"TPG 2 name", 0x3e, {U32(0, 3), U32(4, 2)}, {Raw(8, std::string(20, '\0'))}},
-    // Dual-site information of a VLUN: working mode 4 (0, between both
-    // arrays) and the SN of its first member's array; other VLUNs are refused
-    // and the payload left as it came. The host's default primary array
-    // (flag 26) only a driver document that names one can answer.
+    {"TPG 1 name", 0x3e, {U32(0, 3), U32(4, 1)}, {Txt(8, 20, "CTE0.B"), U64(20, 0)}},
+    {"TPG 0 name", 0x3e, {U32(0, 3), U32(4, 0)}, {U64(8, 0), U64(16, 0), U32(24, 0)}},
+    // Dual-site information: working mode 4 (0, between both arrays) and the
+    // SN of the first member's array; other VLUNs are refused and the payload
+    // left as it came. The host's default primary (flag 26) only a driver
+    // document that names one can answer.
     {"dual-site VLUN", 0x5d, {U32(0, 40), U8(26, 0)}, {U8(4, 0), Txt(5, 20, "SN000000000000000003"), U8(26, 0)}},
     {"ordinary VLUN", 0x5d, {U32(0, 41), U8(26, 0)}, {U8(4, kMarker)}, 0, 1063},
     {"unknown VLUN", 0x5d, {U32(0, 99), U8(26, 0)}, {U8(4, kMarker)}, 0, 1039},
@@ -419,39 +345,6 @@ TEST(SimObjectsRecords, FieldsAtTheirOffsets)
         }
     }
     unsetenv("CVSIM_NOW");
-}
-
-// Every logical path names a block device of its own.
-TEST_F(SimObjects, LogicalPathsHaveDistinctDevices)
-{
-    std::set<std::string> devices;
-    for (auto [disk, path] : {std::pair{20u, 10u}, {20u, 11u}, {20u, 12u}, {20u, 13u}, {24u, 10u}}) {
-        Wire w(1080);
-        w.put32(0, disk).put32(4, path);
-        ASSERT_EQ(Send(ctx, 0x20, w), 1024u);
-        std::string device = w.text(1056, 16);
-        EXPECT_EQ(device.rfind("sd", 0), 0u) << device;
-        EXPECT_TRUE(devices.insert(device).second) << device << " twice";
-    }
-}
-
-TEST_F(SimObjects, SyncKeepsTheSerialNumberItWasSent)
-{
-    Wire sync(444);
-    sync.put32(0, 3).putText(116, "NEWSN0000000000003");
-    ASSERT_EQ(Send(ctx, 0x0d, sync), 1024u);
-    EXPECT_EQ(doc["arrays"][0]["sn"], "NEWSN0000000000003");
-    Wire info(444);
-    info.put32(0, 3);
-    ASSERT_EQ(Send(ctx, 0x0c, info), 1024u);
-    EXPECT_EQ(info.text(116, 20), "NEWSN0000000000003");
-
-    for (const std::string& bad : {std::string(), std::string("SN\x01")}) {
-        Wire w(444);
-        w.put32(0, 3).putText(116, bad);
-        EXPECT_EQ(Send(ctx, 0x0d, w), 1026u);
-        EXPECT_EQ(doc["arrays"][0]["sn"], "NEWSN0000000000003");
-    }
 }
 
 TEST_F(SimObjects, DualSiteDefaultPrimaryFromTheDocument)
