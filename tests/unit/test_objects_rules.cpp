@@ -1,7 +1,7 @@
 // The rules of the object layer that need no driver: path state words,
 // I/O state tables, check words, printable ports, controller naming, disk
-// status, LUN counts, clamping, name conversion, and the decoders read at
-// the offsets of the written wire layouts.
+// status, clamping, name conversion, and the decoders read at the offsets of
+// the written wire layouts.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -315,38 +315,6 @@ TEST_F(ObjectRules, DiskDetailStatus)
     }
 }
 
-TEST_F(ObjectRules, ControllerLunCount)
-{
-    struct P {
-        const char* state;
-        uint32_t luns;
-    };
-    const struct {
-        const char* label;
-        std::vector<P> paths;
-        uint32_t count;
-    } cases[] = {
-        {"no path", {}, 0},
-        {"single faulty path counts", {{"Fault", 7}}, 7},
-        {"largest of the live paths", {{"Normal", 3}, {"Fault", 9}, {"Degraded", 5}}, 5},
-        {"disabled path is not faulty", {{"Disable", 4}, {"Fault", 8}}, 4},
-        {"all faulty: the last one", {{"Fault", 9}, {"Fault", 2}}, 2},
-    };
-    for (const auto& c : cases) {
-        MPI_ListNode head;
-        MPI_ListInit(&head);
-        for (const P& p : c.paths) {
-            auto* path = static_cast<UilPathInfo*>(UIL_ZMalloc(sizeof(UilPathInfo)));
-            path->pathState = p.state;
-            path->lunCount = p.luns;
-            MPI_ListAddTail(&path->links, &head);
-        }
-        EXPECT_EQ(UIL_ControllerLunCount(&head), c.count) << c.label;
-        UIL_PathListFree(&head);
-        EXPECT_TRUE(MPI_ListEmpty(&head));
-    }
-}
-
 TEST_F(ObjectRules, WorkingAndBusyLogicalPaths)
 {
     const struct {
@@ -412,27 +380,6 @@ TEST_F(ObjectRules, IdListsSortAndSearch)
     EXPECT_FALSE(list->contains(5));
     UIL_IdListFree(list);
     UIL_IdListFree(nullptr);
-}
-
-TEST_F(ObjectRules, EnumerationBuffersHoldTheirCapacity)
-{
-    // Declared size plus room for capacity - 1 more IDs, exactly covering the IDs.
-    const struct {
-        const uil_wire::IdListLayout* layout;
-        size_t buffer;
-        uint32_t capacity;
-    } cases[] = {
-        {&uil_wire::kArrayIds, 524, 128},        {&uil_wire::kArrayVlunIds, 65552, 16384},
-        {&uil_wire::kArrayDiskIds, 65556, 16384}, {&uil_wire::kTpgIds, 76, 16},
-        {&uil_wire::kTpgInfo, 56, 8},            {&uil_wire::kPhyPathIds, 65552, 16384},
-        {&uil_wire::kPhyPathDiskIds, 65556, 16384}, {&uil_wire::kPathIds, 524, 128},
-        {&uil_wire::kHbaIds, 264, 64},           {&uil_wire::kHbaPathIds, 848, 210},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(c.layout->bufferSize(), c.buffer) << c.layout->what;
-        EXPECT_EQ(c.layout->capacity, c.capacity) << c.layout->what;
-        EXPECT_LE(c.layout->idsOff + 4 * size_t{c.capacity}, c.buffer) << c.layout->what;
-    }
 }
 
 TEST_F(ObjectRules, VLunListSortsByVLunId)

@@ -324,17 +324,6 @@ TEST_F(ObjectsSim, DiskDetailReadsEachPathOnce)
 // ---------------------------------------------------------------------------
 // Paths and HBAs.
 
-TEST_F(ObjectsSim, LogicalLunsOfPhysicalPaths)
-{
-    for (UilPathInfo p : allPhysicalPaths()) {
-        ASSERT_EQ(UIL_GetLogicalLunForPhyPath(&p), MPI_RET_SUCCESS) << p.pathId;
-        EXPECT_EQ(p.readLunCount, p.lunCount) << p.pathId;
-        EXPECT_LE(p.workingLunCount, p.readLunCount);
-        EXPECT_LE(p.busyLunCount, p.workingLunCount);
-        EXPECT_LE(p.flaggedLunCount, p.readLunCount);
-    }
-}
-
 TEST_F(ObjectsSim, HbasByIdAndByWwn)
 {
     uint32_t ids[UIL_MAX_HBAS];
