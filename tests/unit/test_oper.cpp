@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <fstream>
 #include <regex>
-#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -113,7 +112,9 @@ bool convertsFromGb2312(const std::string& text)
 }
 
 // ---------------------------------------------------------------------------
-// Every event and its English description.
+// English descriptions: the events whose text takes more than the value as
+// it came (object suffixes, words for values, pairs, odd spellings). The
+// plain ones are in the degrade and latency transcripts' log lines.
 
 struct EventCase {
     uint32_t eventId;
@@ -127,10 +128,8 @@ const EventCase kEvents[] = {
     {0x53415103, value("min-queue-depth"), "Modify LB Algorithm to minimal queue depth algorithm"},
     {0x53415104, rec(102, 5, "1"), "Open Luntrespass feature for vlun id 5"},
     {0x53415105, rec(102, 5, "2"), "Unknown Str Luntrespass feature for vlun id 5"},
-    {0x53415106, value("600"), "Set failback time to 600 s"},
     {0x53415107, rec(101, 2, "60"), "Set hold on time to 60 s for array id 2"},
     {0x53415108, value("10,3"), "Set IO retry count to 10 and retry interval to 3 s"},
-    {0x5341514c, value("15"), "Set resume failover delay time to 15 s"},
     {0x53415148, value("abc"), "Set resume busy delay time to 0 s"},
     {0x5341510a, rec(103, 7, "1"), "Enable physical path(path id = 7)"},
     {0x5341510b, rec(103, 7, "0"), "Disable physical path(path id = 7)"},
@@ -138,9 +137,6 @@ const EventCase kEvents[] = {
     {0x5341510d, rec(101, 1, "1,0A"), "Enable controller 0A(array ID = 1)"},
     {0x5341510e, rec(101, 1, "0,3"), "Disable controller 3(array ID = 1)"},
     {0x5341510f, value("ignored"), "( cvconfig array_id=1)Write to configuration"},
-    {0x53415110, value("-5"), "Set time zone to -5 hour"},
-    {0x53415111, value(""), "Generate PR key"},
-    {0x53415112, value("1"), ""},
     {0x53415113, rec(103, 4, "19"), "Set physical path(id = 4)iostate to normal"},
     {0x53415149, rec(103, 9, "25"), "Set logic path(path id = 9)iostate to high latency"},
     {0x53415121, value("HUAWEI,XSG1"), "Add a support array vendorid=HUAWEI,proudctid=XSG1"},
@@ -150,78 +146,38 @@ const EventCase kEvents[] = {
     {0x53415144, rec(102, 6, "bDstIsPrior: 1, bRollBack: 0"),
      "Start migration(direction/rollback: bDstIsPrior: 1, bRollBack: 0) for vlun_id=6"},
     {0x53415145, rec(102, 6, "30"), "Start iosuspension (timeout=30 S) for vlun_id=6"},
-    {0x53415146, value("6"), "Stop iosuspension vlun_id=6"},
-    {0x53415123, value("array_id=1"), "Start rebalancelun array_id=1"},
     {0x53415124, rec(102, 3, "200"),
      "Set the number (200) of I/O to route to a path before switching to the next path for vlun id 3"},
-    {0x53415125, value("10"), "Set faulty path check interval 10 s"},
-    {0x53415126, value("60"), "Set idle path check interval 60 s"},
     {0x53415127, rec(100, 0, "1800"), "Set io retry timeout 1800 s "},
-    {0x53415128, value("30"), "Set io timeout degrade time 30 s"},
-    {0x53415129, value("2"), "Set io timeout degrade threshold 2 times"},
-    {0x5341512a, value("1800"), "Set io timeout degrade recovery time 1800 s"},
-    {0x5341512b, value("300"), "Set io intermittent error degrade time 300 s"},
-    {0x5341512c, value("5000"), "Set io intermittent error degrade min io count 5000"},
-    {0x5341512d, value("20"), "Set io intermittent error degrade threshold 20"},
-    {0x5341512e, value("1900"), "Set io intermittent error degrade recovery time 1900 s"},
-    {0x5341512f, value("1800"), "Set io intermittent fault degrade time 1800 s"},
-    {0x53415130, value("3"), "Set io intermittent fault degrade threshold 3 times"},
-    {0x53415131, value("3600"), "Set io intermittent fault degrade recovery time 3600 s"},
-    {0x5341513a, value("8"), "Clear obsolete path(path id = 8)"},
     {0x53415132, rec(101, 2, "remote,0,1"), "Set xva remote controller 0,1 (XVA ID = 2)"},
     {0x5341513f, rec(102, 4, "balance,1"),
      "Set dualsite workingmode(mode=balance,primary_array_id=1) for vlun id 4"},
     {0x5341514d, rec(100, 0, "262144"), "Set dualsite split size (size=262144 *512) "},
-    {0x53415133, value(""), ""},
-    {0x53415134, value("300"), "Set high latency degraded time 300 s"},
-    {0x53415135, value("1000"), "Set high latency degraded threshold 1000 ms"},
-    {0x53415136, value("3600"), "Set high latency degraded recovery time 3600 s"},
-    {0x53415155, value("0"), "Set IO latency threshold time 0 ms"},
-    {0x53415156, value(""), "Clear I/O count"},
-    {0x53415137, value("array_id=1"), "Clear config array_id=1"},
-    {0x53415138, value("5"), "Set IO retry count to 5"},
-    {0x53415139, value("2"), "Set IO retry interval to 2 s"},
-    {0x53415160, value("30000"), "Set I/O sensitive delayed degrade threshold time 30000 ms"},
-    {0x53415161, value("120"), "Set I/O sensitive delayed degrade recovery time 120 s"},
-    {0x5341513b, value(""), "Install Corvane service"},
-    {0x5341513c, value(""), "Uninstall Corvane service"},
-    {0x5341513d, value(""), "Start Corvane service"},
-    {0x5341513e, value(""), "Stop Corvane service"},
-    {0x53415120, value(""), ""},
     {0x53415141, value("round-robin"), "Modify LB Algorithm to round robin algorithm"},
-    {0x53415142, value(""), ""},
-    {0x53415152, value("1"), ""},
-    {0x53415153, value("1"), ""},
-    {0x53415143, value(""), ""},
-    {0x53415147, value("1"), "Set APDtoPDL feature mode=1"},
     {0x5341514e, value("0"), "Disable AlarmEnable feature "},
     {0x53415151, value("1"), "Enable ReliabilityEnable feature "},
     {0x5341514f, rec(0, 2, "1"), "Enable hba ,hba id = 2)"},
     {0x53415150, rec(0, 2, "0"), "Disable hba ,hba id = 2)"},
-    {0x53415154, value("sdb"), "Close {sdb} io suspension"},
-    {0x53415157, value(""), ""},
-    {0x53415158, value(""), "create a record I/O subprocess"},
-    {0x53415159, value(""), "Start writing performance data to report"},
     {0x53415163, value("1,24"), "Open performance record, duration is 24 hours"},
-    {0x53415164, value("path_id=1"), "Clear path statistic path_id=1"},
 };
 
-TEST(OperDescriptions, EveryEventHasItsEnglishText)
+TEST(OperDescriptions, EnglishTexts)
 {
-    static_assert(std::size(kEvents) == UIL_OPER_FMT_ROWS);
-    std::set<uint32_t> seen;
     for (const EventCase& c : kEvents) {
         SCOPED_TRACE(testing::Message() << std::hex << c.eventId);
-        seen.insert(c.eventId);
         Descriptions d = describe(c.eventId, c.record, " cvconfig array_id=1");
         EXPECT_EQ(d.ret, MPI_RET_SUCCESS);
         EXPECT_EQ(d.english, c.english);
         ASSERT_LT(d.index, g_astUILOperLogFmt.size());
         EXPECT_EQ(g_astUILOperLogFmt[d.index].eventId, c.eventId);
-        // A description in one language has one in the other.
-        EXPECT_EQ(d.english.empty(), d.localised.empty());
     }
-    EXPECT_EQ(seen.size(), UIL_OPER_FMT_ROWS);
+    // Events the log records without any description.
+    for (uint32_t id : {0x53415112u, 0x53415120u, 0x53415133u, 0x53415142u, 0x53415143u, 0x53415152u, 0x53415153u,
+                        0x53415157u}) {
+        Descriptions d = describe(id, value("1"));
+        EXPECT_EQ(d.ret, MPI_RET_SUCCESS) << std::hex << id;
+        EXPECT_EQ(d.english + d.localised, "") << std::hex << id;
+    }
 }
 
 struct LocalCase {
@@ -284,6 +240,8 @@ TEST(OperDescriptions, LongValuesAreCutCleanly)
             EXPECT_LE(d.english.size(), UIL_OPER_DSC_LEN - 1);
             EXPECT_LE(d.localised.size(), UIL_OPER_DSC_LEN - 1);
             EXPECT_TRUE(convertsFromGb2312(d.localised));
+            // A description in one language has one in the other.
+            EXPECT_EQ(d.english.empty(), d.localised.empty());
         }
     }
     Descriptions d = describe(0x53415124, rec(102, 3, longValue.c_str()));
