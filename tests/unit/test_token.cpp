@@ -325,7 +325,8 @@ TEST(Cells, ConvertArrayNamePassesThroughAndCutsToTheField)
 }
 
 // ---------------------------------------------------------------------------
-// Table widths: measured over header and rows, process-wide ones only grow.
+// Table widths: measured over header and rows (that process-wide widths only
+// grow from one table to the next, the show path transcript shows).
 
 constexpr std::array<MPCLI_Column, 4> kMeasured = {{
     {"Array ID", 8},
@@ -349,35 +350,6 @@ TEST(TableLayout, WidthsStartAtHeaderOrMinimumAndOnlyGrow)
     MPCLI_TableLayout framed(kMeasured, 2);
     EXPECT_EQ(framed.dashLength(), 8u + 10 + 6 + 8 + 4 * 2 + 2);
     EXPECT_EQ(framed.width(2), 6u);
-}
-
-constexpr std::array<MPCLI_Column, 2> kSmall = {{{"ID", 4}, {"Name", 4}}};
-
-// A process-wide layout: a later table is at least as wide as an earlier one.
-std::string printWithSharedLayout(const std::vector<MPCLI_TableRow>& rows)
-{
-    static MPCLI_TableLayout s_layout(kSmall);
-    testing::internal::CaptureStdout();
-    MPCLI_PrintTable(s_layout, rows);
-    return testing::internal::GetCapturedStdout();
-}
-
-TEST(TablePrinter, SharedWidthsGrowAcrossTablesAndNeverShrink)
-{
-    EXPECT_EQ(printWithSharedLayout({{"7", "a-much-longer-name"}}),
-              "--------------------------\n"
-              "  ID          Name        \n"
-              "  7    a-much-longer-name \n"
-              "--------------------------\n");
-    EXPECT_EQ(printWithSharedLayout({{"123456", "b"}}),
-              "----------------------------\n"
-              "   ID           Name        \n"
-              " 123456          b          \n"
-              "----------------------------\n");
-    // A table of its own starts narrow again.
-    MPCLI_TableLayout fresh(kSmall);
-    fresh.measure(MPCLI_TableRow{"1", "b"});
-    EXPECT_EQ(fresh.dashLength(), 12u);
 }
 
 }  // namespace
