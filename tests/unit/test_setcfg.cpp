@@ -65,15 +65,9 @@ struct KeyCase {
 TEST(ObjectHandler, KeysMatchExactly)
 {
     const KeyCase cases[] = {
-        {"", INTF_UIL_SetCommonHandler},
-        {"array_id", INTF_UIL_SetArrayHandler},
-        {"vlun_id", INTF_UIL_SetLunHandler},
-        {"array_idx", nullptr},
-        {"array", nullptr},
-        {"ARRAY_ID", nullptr},
-        {"vlun_id ", nullptr},
-        {"path_id", nullptr},
-        {nullptr, nullptr},
+        {"", INTF_UIL_SetCommonHandler}, {"array_id", INTF_UIL_SetArrayHandler}, {"vlun_id", INTF_UIL_SetLunHandler},
+        {"array_idx", nullptr},          {"array", nullptr},                     {"ARRAY_ID", nullptr},
+        {"vlun_id ", nullptr},           {"path_id", nullptr},                   {nullptr, nullptr},
     };
     for (const KeyCase& c : cases) {
         const UilObjectHandler* row = UIL_GetObjectHandler(c.key);
