@@ -31,39 +31,24 @@ valid device LUN ID.
      11     sdm    legacy_vol2   62c7f1a10c6e0c300000000000000005     Fault     64.00GB       --/--        Legacy-2200        5      
   -----------------------------------------------------------------------------------------------------------------------------------------
 
-Every type: the dual-site VLUN 3 appears under both of its arrays, with
-the member of each; the migration VLUN 7 likewise.
+Every type adds rows to the tables above, at the same widths: the
+dual-site VLUN 3 appears under both of its arrays, with the member of each;
+the migration VLUN 7 likewise.
 
-  $ cv show vlun type=all
-  --------------------------------------------------------------------------------------------------------------------------------------
-   Vlun ID  Disk      Name                  Lun WWN                 Status     Capacity  Ctrl(Own/Work)  Array Name   Dev Lun ID  
-      0     sdb   prod_db_data  62c7f1a10b4c8a10000000000000000b    Normal      2.00TB       0A/0A       Dorado-Prod      11      
-      1     sdc   prod_db_log   62c7f1a10b4c8a10000000000000000c    Normal     200.00GB      0B/0B       Dorado-Prod      12      
-      2     sdd   prod_archive  62c7f1a10b4c8a10000000000000000d  Unavailable   1.50TB       0A/1A       Dorado-Prod      13      
-      3     sde   metro_vol01   62c7f1a10b4c8a10000000000000002a    Normal     500.00GB      1A/1A       Dorado-Prod      42      
-      4     sdf    vvol_pe01    62c7f1a10b4c8a100000000000000030    Normal    1100.00KB      0A/0A       Dorado-Prod      48      
-  --------------------------------------------------------------------------------------------------------------------------------------
-  -----------------------------------------------------------------------------------------------------------------------------------------
-   Vlun ID  Disk      Name                   Lun WWN                 Status     Capacity  Ctrl(Own/Work)   Array Name    Dev Lun ID  
-      5     sdg   backup_pool02  62c7f1a10b5d9b200000000000000002   Degraded     1.50MB        1/1        S5500T-Backup       2      
-      6     sdh     pe_shadow    62c7f1a10b5d9b200000000000000009     Fault      4.00MB        1/1        S5500T-Backup       9      
-      7     sdi    mig_src_vol   62c7f1a10b5d9b200000000000000007    Normal     300.00GB       0/0        S5500T-Backup       7      
-      8     sdj   backup_pool01  62c7f1a10b5d9b200000000000000001    Normal      4.00TB        0/0        S5500T-Backup       1      
-  -----------------------------------------------------------------------------------------------------------------------------------------
-  -----------------------------------------------------------------------------------------------------------------------------------------
-   Vlun ID  Disk      Name                   Lun WWN                 Status     Capacity  Ctrl(Own/Work)   Array Name    Dev Lun ID  
-      3     sde    metro_vol01   62c7f1a10b4c8a10000000000000002a    Normal     500.00GB  CTE0.B/CTE0.B    \xb4\xe6\xb4\xa2-SiteB        42       (esc)
-      9     sdk    siteb_share   62c7f1a10b4c8a770000000000000005   Degraded    750.00GB  CTE0.A/CTE0.B    \xb4\xe6\xb4\xa2-SiteB         5       (esc)
-  -----------------------------------------------------------------------------------------------------------------------------------------
-  -----------------------------------------------------------------------------------------------------------------------------------------
-   Vlun ID  Disk      Name                   Lun WWN                 Status     Capacity  Ctrl(Own/Work)   Array Name    Dev Lun ID  
-      7     sdi    mig_dst_vol   62c7f1a10b5d9b200000000000000007     Fault     300.00GB      --/--        Legacy-2200        3      
-     10     sdl    legacy_vol    62c7f1a10c6e0c300000000000000004     Fault    1100.00GB      --/--        Legacy-2200       --      
-     11     sdm    legacy_vol2   62c7f1a10c6e0c300000000000000005     Fault     64.00GB       --/--        Legacy-2200        5      
-  -----------------------------------------------------------------------------------------------------------------------------------------
+  $ diff <(cv show vlun) <(cv show vlun type=all) | sed 's/^>/+/'
+  5a6,7
+  +     3     sde   metro_vol01   62c7f1a10b4c8a10000000000000002a    Normal     500.00GB      1A/1A       Dorado-Prod      42      
+  +     4     sdf    vvol_pe01    62c7f1a10b4c8a100000000000000030    Normal    1100.00KB      0A/0A       Dorado-Prod      48      
+  10a13
+  +     7     sdi    mig_src_vol   62c7f1a10b5d9b200000000000000007    Normal     300.00GB       0/0        S5500T-Backup       7      
+  14a18
+  +     3     sde    metro_vol01   62c7f1a10b4c8a10000000000000002a    Normal     500.00GB  CTE0.B/CTE0.B    \xb4\xe6\xb4\xa2-SiteB        42       (esc)
+  18a23
+  +     7     sdi    mig_dst_vol   62c7f1a10b5d9b200000000000000007     Fault     300.00GB      --/--        Legacy-2200        3      
 
 The other filters: PE LUNs (by type, or by the PE flag), dual-site and
-migration VLUNs, and chosen arrays.
+migration VLUNs, and chosen arrays in the order given (array 0 after
+array 4 as on its own).
 
   $ cv show vlun type=pe
   ------------------------------------------------------------------------------------------------------------------------------
@@ -88,18 +73,14 @@ migration VLUNs, and chosen arrays.
    Vlun ID  Disk     Name                  Lun WWN               Status  Capacity  Ctrl(Own/Work)   Array Name    Dev Lun ID  
       7     sdi   mig_src_vol  62c7f1a10b5d9b200000000000000007  Normal  300.00GB       0/0        S5500T-Backup       7      
   ----------------------------------------------------------------------------------------------------------------------------------
-  $ cv show vlun array_id=4,0
+  $ cv show vlun array_id=4,0 > out.txt && head -n 5 out.txt
   --------------------------------------------------------------------------------------------------------------------------------
    Vlun ID  Disk     Name                  Lun WWN               Status  Capacity  Ctrl(Own/Work)  Array Name   Dev Lun ID  
      10     sdl   legacy_vol   62c7f1a10c6e0c300000000000000004  Fault  1100.00GB      --/--       Legacy-2200      --      
      11     sdm   legacy_vol2  62c7f1a10c6e0c300000000000000005  Fault   64.00GB       --/--       Legacy-2200       5      
   --------------------------------------------------------------------------------------------------------------------------------
-  --------------------------------------------------------------------------------------------------------------------------------------
-   Vlun ID  Disk      Name                  Lun WWN                 Status     Capacity  Ctrl(Own/Work)  Array Name   Dev Lun ID  
-      0     sdb   prod_db_data  62c7f1a10b4c8a10000000000000000b    Normal      2.00TB       0A/0A       Dorado-Prod      11      
-      1     sdc   prod_db_log   62c7f1a10b4c8a10000000000000000c    Normal     200.00GB      0B/0B       Dorado-Prod      12      
-      2     sdd   prod_archive  62c7f1a10b4c8a10000000000000000d  Unavailable   1.50TB       0A/1A       Dorado-Prod      13      
-  --------------------------------------------------------------------------------------------------------------------------------------
+  $ tail -n +6 out.txt | cmp - <(cv show vlun array_id=0) && echo array 0 as alone
+  array 0 as alone
   $ cv show vlun array_id=3,99
   The VLUN does not exist in disk array 3.
   The VLUN does not exist in disk array 99.
@@ -140,107 +121,36 @@ Details: an ordinary VLUN with its controllers and paths.
   Manual IO Suspension  : Off
   -------------------------------------------------------
 
-An unavailable disk: its paths read "Fault" unless disabled. A PE LUN. A
-VLUN under manual I/O suspension, on an array that hides its controllers.
-An unknown VLUN.
+The other details differ from that block in the lines shown: an
+unavailable disk, whose paths read "Fault" unless disabled; a PE LUN; a
+VLUN under manual I/O suspension, on an array that hides its controllers,
+followed by an unknown VLUN; a PE LUN asked for with every type.
 
-  $ cv show vlun id=2,4
-  =======================================================
-                    VLUN#2 Information                   
-  =======================================================
-  Disk                  : sdd
-  Name                  : prod_archive
+  $ cv show vlun id=2 | grep -E '^(Status|Path) '
   Status                : Unavailable
-  Capacity              : 1.50TB
-  Driver                : alua
-  Product Name          : Dorado5000 V6
-  Vendor Name           : CORVANE
-  Owning Controller     : 0A
-  Working Controller    : 1A
-  Num of Paths          : 7
-  LUN WWN               : 62c7f1a10b4c8a10000000000000000d
-  Array Name            : Dorado-Prod
-  Controller 0A
   Path 0 [3:0:0:3] (sdao)  : Fault
   Path 4 [4:0:0:3] (sdas)  : Disable
   Path 18 [3:0:8:3] (sdau)  : Fault
-  Controller 0B
   Path 1 [3:0:1:3] (sdap)  : Fault
   Path 5 [4:0:1:3] (sdat)  : Disable
-  Controller 1A
   Path 2 [3:0:2:3] (sdaq)  : Fault
-  Controller 1B
   Path 3 [3:0:3:3] (sdar)  : Disable
-  Manual IO Suspension  : Off
-  -------------------------------------------------------
-  =======================================================
-                    VLUN#4 Information                   
-  =======================================================
-  Disk                  : sdf
-  Name                  : vvol_pe01
-  Status                : Normal
-  Capacity              : 1100.00KB
-  Driver                : alua
-  Product Name          : Dorado5000 V6
-  Vendor Name           : CORVANE
-  Owning Controller     : 0A
-  Working Controller    : 0A
-  Num of Paths          : 7
-  LUN WWN               : 62c7f1a10b4c8a100000000000000030
-  Array Name            : Dorado-Prod
-  Controller 0A
-  Path 0 [3:0:0:5] (sdbc)  : Normal
-  Path 4 [4:0:0:5] (sdbg)  : Disable
-  Path 18 [3:0:8:5] (sdbi)  : Potential fault degradation
-  Controller 0B
-  Path 1 [3:0:1:5] (sdbd)  : Normal
-  Path 5 [4:0:1:5] (sdbh)  : Disable
-  Controller 1A
-  Path 2 [3:0:2:5] (sdbe)  : I/O timeout degradation
-  Controller 1B
-  Path 3 [3:0:3:5] (sdbf)  : Disable
+  $ cv show vlun id=4 | tail -n 3
   Manual IO Suspension  : Off
   Device Type       : PE LUN
   -------------------------------------------------------
-  $ cv show vlun id=11,77
-  =======================================================
-                    VLUN#11 Information                  
-  =======================================================
-  Disk                  : sdm
-  Name                  : legacy_vol2
-  Status                : Fault
-  Capacity              : 64.00GB
-  Driver                : dft
-  Product Name          : S2200T
-  Vendor Name           : CORVANE
+  $ cv show vlun id=11,77 > out.txt
+  [1]
+  $ sed -n '/^Owning/,/^Working/p; /^Controller/,$p' out.txt
   Owning Controller     : --
   Working Controller    : --
-  Num of Paths          : 1
-  LUN WWN               : 62c7f1a10c6e0c300000000000000005
-  Array Name            : Legacy-2200
   Controller 0
   Path 13 [3:0:6:3] (sdcd)  : Fault
   Manual IO Suspension  : On(timeout/remain : {3600} seconds/{2600} seconds)
   -------------------------------------------------------
   The VLUN whose ID is 77 does not exist.
   -------------------------------------------------------
-  [1]
-  $ cv show vlun id=6 type=all
-  =======================================================
-                    VLUN#6 Information                   
-  =======================================================
-  Disk                  : sdh
-  Name                  : pe_shadow
-  Status                : Fault
-  Capacity              : 4.00MB
-  Driver                : dft
-  Product Name          : S5500T
-  Vendor Name           : CORVANE
-  Owning Controller     : 1
-  Working Controller    : 1
-  Num of Paths          : 1
-  LUN WWN               : 62c7f1a10b5d9b200000000000000009
-  Array Name            : S5500T-Backup
+  $ cv show vlun id=6 type=all | tail -n 5
   Controller 1
   Path 9 [3:0:5:4] (sdbr)  : Fault
   Manual IO Suspension  : Off
@@ -259,32 +169,17 @@ the command says it could not be carried out.
   [1]
 
 Columns keep their widths at the prompt: array 1's table widens them, and
-array 0's table after it stays wide.
+array 0's table after it stays wide (headers, VLUN 0 and closing lines).
 
-  $ printf 'show vlun array_id=0\nshow vlun array_id=1\nshow vlun array_id=0\nquit\n' | cv
-  
-  Corvane CLI #0 >--------------------------------------------------------------------------------------------------------------------------------------
+  $ printf 'show vlun array_id=0\nshow vlun array_id=1\nshow vlun array_id=0\nquit\n' | cv | grep -E '^( +Vlun ID| +0 |-+$)'
    Vlun ID  Disk      Name                  Lun WWN                 Status     Capacity  Ctrl(Own/Work)  Array Name   Dev Lun ID  
       0     sdb   prod_db_data  62c7f1a10b4c8a10000000000000000b    Normal      2.00TB       0A/0A       Dorado-Prod      11      
-      1     sdc   prod_db_log   62c7f1a10b4c8a10000000000000000c    Normal     200.00GB      0B/0B       Dorado-Prod      12      
-      2     sdd   prod_archive  62c7f1a10b4c8a10000000000000000d  Unavailable   1.50TB       0A/1A       Dorado-Prod      13      
   --------------------------------------------------------------------------------------------------------------------------------------
-  
-  Corvane CLI #1 >-----------------------------------------------------------------------------------------------------------------------------------------
    Vlun ID  Disk      Name                   Lun WWN                 Status     Capacity  Ctrl(Own/Work)   Array Name    Dev Lun ID  
-      5     sdg   backup_pool02  62c7f1a10b5d9b200000000000000002   Degraded     1.50MB        1/1        S5500T-Backup       2      
-      6     sdh     pe_shadow    62c7f1a10b5d9b200000000000000009     Fault      4.00MB        1/1        S5500T-Backup       9      
-      8     sdj   backup_pool01  62c7f1a10b5d9b200000000000000001    Normal      4.00TB        0/0        S5500T-Backup       1      
   -----------------------------------------------------------------------------------------------------------------------------------------
-  
-  Corvane CLI #2 >-----------------------------------------------------------------------------------------------------------------------------------------
    Vlun ID  Disk      Name                   Lun WWN                 Status     Capacity  Ctrl(Own/Work)   Array Name    Dev Lun ID  
       0     sdb   prod_db_data   62c7f1a10b4c8a10000000000000000b    Normal      2.00TB       0A/0A        Dorado-Prod       11      
-      1     sdc    prod_db_log   62c7f1a10b4c8a10000000000000000c    Normal     200.00GB      0B/0B        Dorado-Prod       12      
-      2     sdd   prod_archive   62c7f1a10b4c8a10000000000000000d  Unavailable   1.50TB       0A/1A        Dorado-Prod       13      
   -----------------------------------------------------------------------------------------------------------------------------------------
-  
-  Corvane CLI #3 > (no-eol)
 
 Refused requests: the array list, the VLUN request.
 
@@ -300,99 +195,39 @@ Refused requests: the array list, the VLUN request.
 
 Words the command does not take.
 
-  $ cv show vlun verbose
+  $ usage_of vlun show vlun verbose
   Error: Invalid input!
   Usage:
               -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
               -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
               -- show vlun type=<all|dualsite|migration>
   [1]
-  $ cv show vlun name=1
-  Error: Invalid input!
-  Usage:
-              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
-              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
-              -- show vlun type=<all|dualsite|migration>
-  [1]
-  $ cv show vlun type=bogus
-  Error: Invalid input!
-  Usage:
-              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
-              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
-              -- show vlun type=<all|dualsite|migration>
-  [1]
-  $ cv show vlun type=
-  Error: Invalid input!
-  Usage:
-              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
-              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
-              -- show vlun type=<all|dualsite|migration>
-  [1]
-  $ cv show vlun type=all array_id=0
-  Error: Invalid input!
-  Usage:
-              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
-              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
-              -- show vlun type=<all|dualsite|migration>
-  [1]
-  $ cv show vlun array_id=0 type=all type=pe
-  Error: Invalid input!
-  Usage:
-              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
-              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
-              -- show vlun type=<all|dualsite|migration>
-  [1]
-  $ cv show vlun array_id=0 verbose
-  Error: Invalid input!
-  Usage:
-              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
-              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
-              -- show vlun type=<all|dualsite|migration>
-  [1]
-  $ cv show vlun array_id=
-  Error: Invalid input!
-  Usage:
-              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
-              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
-              -- show vlun type=<all|dualsite|migration>
-  [1]
-  $ cv show vlun array_id=0,1,2,3,4,5,6,7,8
-  Error: You can't input more than 8 ids
-  Error: Invalid input!
-  Usage:
-              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
-              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
-              -- show vlun type=<all|dualsite|migration>
-  [1]
-  $ cv show vlun id=0 type=x
-  Error: Invalid input!
-  Usage:
-              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
-              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
-              -- show vlun type=<all|dualsite|migration>
-  [1]
-  $ cv show vlun id=0 extra
-  Error: Invalid input!
-  Usage:
-              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
-              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
-              -- show vlun type=<all|dualsite|migration>
-  [1]
-  $ cv show vlun id=
-  Error: Invalid input!
-  Usage:
-              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
-              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
-              -- show vlun type=<all|dualsite|migration>
-  [1]
-  $ cv show vlun id=16384
-  Error: 16384 is out of range
-  Error: Invalid input!
-  Usage:
-              -- show vlun id=<0,1,2,...> [type=<all|dualsite|migration>] [verbose]
-              -- show vlun array_id=<0,1,2,...> [type=<all|dualsite|migration>]
-              -- show vlun type=<all|dualsite|migration>
-  [1]
+  $ refusals <<'EOF'
+  > show vlun name=1
+  > show vlun type=bogus
+  > show vlun type=
+  > show vlun type=all array_id=0
+  > show vlun array_id=0 type=all type=pe
+  > show vlun array_id=0 verbose
+  > show vlun array_id=
+  > show vlun array_id=0,1,2,3,4,5,6,7,8
+  > show vlun id=0 type=x
+  > show vlun id=0 extra
+  > show vlun id=
+  > show vlun id=16384
+  > EOF
+  [1] show vlun name=1: Error: Invalid input! | <vlun usage>
+  [1] show vlun type=bogus: Error: Invalid input! | <vlun usage>
+  [1] show vlun type=: Error: Invalid input! | <vlun usage>
+  [1] show vlun type=all array_id=0: Error: Invalid input! | <vlun usage>
+  [1] show vlun array_id=0 type=all type=pe: Error: Invalid input! | <vlun usage>
+  [1] show vlun array_id=0 verbose: Error: Invalid input! | <vlun usage>
+  [1] show vlun array_id=: Error: Invalid input! | <vlun usage>
+  [1] show vlun array_id=0,1,2,3,4,5,6,7,8: Error: You can't input more than 8 ids | Error: Invalid input! | <vlun usage>
+  [1] show vlun id=0 type=x: Error: Invalid input! | <vlun usage>
+  [1] show vlun id=0 extra: Error: Invalid input! | <vlun usage>
+  [1] show vlun id=: Error: Invalid input! | <vlun usage>
+  [1] show vlun id=16384: Error: 16384 is out of range | Error: Invalid input! | <vlun usage>
 
 "verbose" adds the VLUN's effective configuration, before the suspension
 line: its own values first, then its array's, then the common ones. VLUN 1
