@@ -55,96 +55,63 @@ gives its LUN count, and one whose paths are all faulty (4); named
 controllers, a remote one, and a controller without LUNs left out (2);
 numeric names, a faulty path not counted, a path without LUNs left out
 (1); an array without disks (3) and an unknown one (99) do not exist.
+Shown without the frames and the identity lines, whose layout is above.
 
-  $ cv show array id=4,2,1,3,99
-  =======================================================
+  $ cv show array id=4,2,1,3,99 > out.txt
+  [1]
+  $ grep -vE '^(=+|(Array SN|Vendor Name|Product Name) .*| +PathInfo: )$' out.txt
                     Array#4 Information                  
-  =======================================================
   Array Name     : Legacy-2200
-  Array SN       : 210235G7LG10A5000013
-  Vendor Name    : CORVANE
-  Product Name   : S2200T
   Controller 0
          Status  : Enable
          LunCount: 2
-         PathInfo: 
                   Path13: Fault
                   Path17: Fault
   Controller 1
          Status  : Disable
          LunCount: 1
-         PathInfo: 
                   Path14: Disable
-  =======================================================
-  =======================================================
                     Array#2 Information                  
-  =======================================================
   Array Name     : \xb4\xe6\xb4\xa2-SiteB (esc)
-  Array SN       : 2102351QLH10K7000077
-  Vendor Name    : CORVANE
-  Product Name   : Dorado5000 V6
   Controller CTE0.A
          Status  : Enable
          LunCount: 2
-         PathInfo: 
                   Path10: Normal
                   Path12: High latency degradation
   Controller CTE0.B
          Status  : Enable(Remote)
          LunCount: 2
-         PathInfo: 
                   Path11: Degraded
-  =======================================================
-  =======================================================
                     Array#1 Information                  
-  =======================================================
   Array Name     : S5500T-Backup
-  Array SN       : 210235G6GR10B9000042
-  Vendor Name    : CORVANE
-  Product Name   : S5500T
   Controller 0
          Status  : Enable
          LunCount: 2
-         PathInfo: 
                   Path6: Normal
                   Path8: Normal
   Controller 1
          Status  : Enable
          LunCount: 2
-         PathInfo: 
                   Path7: Normal
                   Path9: Fault
-  =======================================================
   The disk array whose ID is 3 does not exist.
   The disk array whose ID is 99 does not exist.
-  [1]
 
 Widths only grow within one run. The first listing sees only array 0 (the
 driver's count is cut to 1), the second every array, the third array 0
-again, still in the wide columns.
+again, still in the wide columns (headers, array 0 and closing lines).
 
   $ printf '11 count=1 1\n11 count=5 1\n11 count=1 1\n' > root/sim/faults
-  $ printf 'show array\nshow array\nshow array\nquit\n' | cv
-  
-  Corvane CLI #0 >---------------------------------------------------------------------------
+  $ printf 'show array\nshow array\nshow array\nquit\n' | cv | grep -E '^( +Array ID| +0 |-+$)'
    Array ID  Array Name         Array SN        Vendor Name  Product Name  
       0      Dorado-Prod  2102351QLH10K7000001    CORVANE    Dorado5000 V6 
   ---------------------------------------------------------------------------
-  
-  Corvane CLI #1 >-----------------------------------------------------------------------------
-   Array ID   Array Name          Array SN        Vendor Name  Product Name  
-      0       Dorado-Prod   2102351QLH10K7000001    CORVANE    Dorado5000 V6 
-      1      S5500T-Backup  210235G6GR10B9000042    CORVANE       S5500T     
-      2       \xb4\xe6\xb4\xa2-SiteB    2102351QLH10K7000077    CORVANE    Dorado5000 V6  (esc)
-      4       Legacy-2200   210235G7LG10A5000013    CORVANE       S2200T     
-  -----------------------------------------------------------------------------
-  
-  Corvane CLI #2 >-----------------------------------------------------------------------------
    Array ID   Array Name          Array SN        Vendor Name  Product Name  
       0       Dorado-Prod   2102351QLH10K7000001    CORVANE    Dorado5000 V6 
   -----------------------------------------------------------------------------
-  
-  Corvane CLI #3 > (no-eol)
+   Array ID   Array Name          Array SN        Vendor Name  Product Name  
+      0       Dorado-Prod   2102351QLH10K7000001    CORVANE    Dorado5000 V6 
+  -----------------------------------------------------------------------------
 
 A refused array list, and a refused array request.
 
@@ -195,38 +162,22 @@ still shown.
 
 Words the command does not take.
 
-  $ cv show array id=0 verbos
+  $ usage_of array show array id=0 verbos
   Error: Invalid input!
   Usage:
       -- show array [id=<ID1,ID2,...> [verbose]]
   [1]
-  $ cv show array id=0 verbose extra
-  Error: Invalid input!
-  Usage:
-      -- show array [id=<ID1,ID2,...> [verbose]]
-  [1]
-  $ cv show array id=
-  Error: Invalid input!
-  Usage:
-      -- show array [id=<ID1,ID2,...> [verbose]]
-  [1]
-  $ cv show array name=1
-  Error: Invalid input --- name!
-  Usage:
-      -- show array [id=<ID1,ID2,...> [verbose]]
-  [1]
-  $ cv show array id=1,2,3,4,5,6,7,8,9
-  Error: You can't input more than 8 ids
-  Usage:
-      -- show array [id=<ID1,ID2,...> [verbose]]
-  [1]
-  $ cv show array id=abc
-  Error: Invalid input --- abc
-  Usage:
-      -- show array [id=<ID1,ID2,...> [verbose]]
-  [1]
-  $ cv show array id=16384
-  Error: 16384 is out of range
-  Usage:
-      -- show array [id=<ID1,ID2,...> [verbose]]
-  [1]
+  $ refusals <<'EOF'
+  > show array id=0 verbose extra
+  > show array id=
+  > show array name=1
+  > show array id=1,2,3,4,5,6,7,8,9
+  > show array id=abc
+  > show array id=16384
+  > EOF
+  [1] show array id=0 verbose extra: Error: Invalid input! | <array usage>
+  [1] show array id=: Error: Invalid input! | <array usage>
+  [1] show array name=1: Error: Invalid input --- name! | <array usage>
+  [1] show array id=1,2,3,4,5,6,7,8,9: Error: You can't input more than 8 ids | <array usage>
+  [1] show array id=abc: Error: Invalid input --- abc | <array usage>
+  [1] show array id=16384: Error: 16384 is out of range | <array usage>

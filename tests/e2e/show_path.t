@@ -60,8 +60,9 @@ One array; an array without paths.
   There is no path or vlun on the disk array whose ID is 99.
   [1]
 
-Details: counters that grow with the driver's uptime, a check in
-progress, an iSCSI path over IPv6, a path that does not exist.
+Details: one path in full, then the lines that vary for a check in
+progress with growing counters, an iSCSI path over IPv6, a path that does
+not exist and a SAS path still waiting for its check.
 
   $ cv show path id=1
   ========================================
@@ -81,96 +82,47 @@ progress, an iSCSI path over IPv6, a path that does not exist.
   Latency-avg(ms) :  5
   Port ID         :  CTE0.B.IOM0.P0
   ========================================
-  $ cv show path id=2,11,99,7
-  ========================================
+  $ cv show path id=2,11,99,7 > out.txt
+  $ grep -E 'Information|not exist|^(Initiator Port|Check State|Port Type|I/O Retry count|Path Fault count|Latency-High\(ms\))' out.txt
              Path#2 Information           
-  ========================================
   Initiator Port  :  21:00:00:24:ff:4c:8a:10
-  Array Name      :  Dorado-Prod
-  Controller      :  1A
-  Target Port     :  20:08:00:1b:32:0a:4c:03
-  Path State      :  I/O timeout degradation
   Check State     :  Checking
   Port Type       :  FC
   I/O Retry count :  190
   Path Fault count:  15
-  Latency-Low(ms) :  2
   Latency-High(ms):  1900
-  Latency-avg(ms) :  241
-  Port ID         :  CTE1.A.IOM0.P0
-  ========================================
-  ========================================
             Path#11 Information           
-  ========================================
   Initiator Port  :  iqn.1994-05.com.redhat:cvhost01::FD00:10:20:0:0:0:0:21::51035
-  Array Name      :  \xb4\xe6\xb4\xa2-SiteB (esc)
-  Controller      :  CTE0.B
-  Target Port     :  iqn.2006-08.com.corvane:siteb:cte0.b::3260
-  Path State      :  Degraded
   Check State     :  --
   Port Type       :  iSCSI
   I/O Retry count :  0
   Path Fault count:  0
-  Latency-Low(ms) :  3
   Latency-High(ms):  35000
-  Latency-avg(ms) :  42
-  Port ID         :  --
-  ========================================
   The path whose ID is 99 does not exist.
-  ========================================
              Path#7 Information           
-  ========================================
   Initiator Port  :  500605b00a4c7e20
-  Array Name      :  S5500T-Backup
-  Controller      :  1
-  Target Port     :  500a0b8a4c7e0a02
-  Path State      :  Normal
   Check State     :  Waiting
   Port Type       :  SAS
   I/O Retry count :  0
   Path Fault count:  0
-  Latency-Low(ms) :  0
   Latency-High(ms):  0
-  Latency-avg(ms) :  0
-  Port ID         :  --
-  ========================================
 
-Columns keep their widths at the prompt.
+Columns keep their widths at the prompt: array 2's table widens them,
+and array 0's table after it stays wide (headers, path 0 and closing
+lines).
 
-  $ printf 'show path array_id=0\nshow path array_id=2\nshow path array_id=0\nquit\n' | cv
-  
-  Corvane CLI #0 >-------------------------------------------------------------------------------------------------------------------------------------------------------------
+  $ printf 'show path array_id=0\nshow path array_id=2\nshow path array_id=0\nquit\n' | cv | grep -E '^( +Path ID| +0 |-+$)'
    Path ID      Initiator Port       Array Name   Controller        Target Port                Path State           Check State  Port Type     Port ID     
       0     21:00:00:24:ff:4c:8a:10  Dorado-Prod      0A      20:08:00:1b:32:0a:4c:01            Normal               Succeed       FC      CTE0.A.IOM0.P0 
-      1     21:00:00:24:ff:4c:8a:10  Dorado-Prod      0B      20:08:00:1b:32:0a:4c:02            Normal                 --          FC      CTE0.B.IOM0.P0 
-      2     21:00:00:24:ff:4c:8a:10  Dorado-Prod      1A      20:08:00:1b:32:0a:4c:03    I/O timeout degradation     Checking       FC      CTE1.A.IOM0.P0 
-      3     21:00:00:24:ff:4c:8a:10  Dorado-Prod      1B      20:08:00:1b:32:0a:4c:04            Disable                --          FC      CTE1.B.IOM0.P0 
-      4     21:00:00:24:ff:4c:8a:11  Dorado-Prod      0A      20:08:00:1b:32:0a:4c:11            Disable                --          FC            --       
-      5     21:00:00:24:ff:4c:8a:11  Dorado-Prod      0B      20:08:00:1b:32:0a:4c:12            Disable                --          FC            --       
-     18     21:00:00:24:ff:4c:8a:10  Dorado-Prod      0A      20:08:00:1b:32:0a:4c:05  Potential fault degradation      --          FC      CTE0.A.IOM0.P1 
   -------------------------------------------------------------------------------------------------------------------------------------------------------------
-  
-  Corvane CLI #1 >----------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------
    Path ID                         Initiator Port                          Array Name   Controller                 Target Port                          Path State           Check State  Port Type     Port ID     
-     10         iqn.1994-05.com.redhat:cvhost01::192.168.10.21::51034      \xb4\xe6\xb4\xa2-SiteB     CTE0.A    iqn.2006-08.com.corvane:siteb:cte0.a::3260            Normal                 --         iSCSI          --        (esc)
-     11     iqn.1994-05.com.redhat:cvhost01::FD00:10:20:0:0:0:0:21::51035  \xb4\xe6\xb4\xa2-SiteB     CTE0.B    iqn.2006-08.com.corvane:siteb:cte0.b::3260           Degraded                --         iSCSI          --        (esc)
-     12         iqn.1994-05.com.redhat:cvhost01::192.168.11.21::51036      \xb4\xe6\xb4\xa2-SiteB     CTE0.A    iqn.2006-08.com.corvane:siteb:cte0.a::3260   High latency degradation        --         iSCSI          --        (esc)
   ----------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------
-  
-  Corvane CLI #2 >----------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------
    Path ID                         Initiator Port                          Array Name   Controller                 Target Port                          Path State           Check State  Port Type     Port ID     
       0                        21:00:00:24:ff:4c:8a:10                     Dorado-Prod      0A               20:08:00:1b:32:0a:4c:01                      Normal               Succeed       FC      CTE0.A.IOM0.P0 
-      1                        21:00:00:24:ff:4c:8a:10                     Dorado-Prod      0B               20:08:00:1b:32:0a:4c:02                      Normal                 --          FC      CTE0.B.IOM0.P0 
-      2                        21:00:00:24:ff:4c:8a:10                     Dorado-Prod      1A               20:08:00:1b:32:0a:4c:03              I/O timeout degradation     Checking       FC      CTE1.A.IOM0.P0 
-      3                        21:00:00:24:ff:4c:8a:10                     Dorado-Prod      1B               20:08:00:1b:32:0a:4c:04                      Disable                --          FC      CTE1.B.IOM0.P0 
-      4                        21:00:00:24:ff:4c:8a:11                     Dorado-Prod      0A               20:08:00:1b:32:0a:4c:11                      Disable                --          FC            --       
-      5                        21:00:00:24:ff:4c:8a:11                     Dorado-Prod      0B               20:08:00:1b:32:0a:4c:12                      Disable                --          FC            --       
-     18                        21:00:00:24:ff:4c:8a:10                     Dorado-Prod      0A               20:08:00:1b:32:0a:4c:05            Potential fault degradation      --          FC      CTE0.A.IOM0.P1 
   ----------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------------
-  
-  Corvane CLI #3 > (no-eol)
 
-Refused requests: the array list, the path list of an array, one path.
+Refused requests: the array list, the path list of an array, one path
+(the next one is still shown).
 
   $ echo '11 refuse 1' > root/sim/faults
   $ cv show path
@@ -182,59 +134,34 @@ Refused requests: the array list, the path list of an array, one path.
   There is no path or vlun on the disk array whose ID is 0.
   [1]
   $ echo '42 code=1031 1' > root/sim/faults
-  $ cv show path id=1,0
+  $ cv show path id=1,0 > out.txt
+  $ grep -E 'Information|not exist' out.txt
   The path whose ID is 1 does not exist.
-  ========================================
              Path#0 Information           
-  ========================================
-  Initiator Port  :  21:00:00:24:ff:4c:8a:10
-  Array Name      :  Dorado-Prod
-  Controller      :  0A
-  Target Port     :  20:08:00:1b:32:0a:4c:01
-  Path State      :  Normal
-  Check State     :  Succeed
-  Port Type       :  FC
-  I/O Retry count :  13
-  Path Fault count:  0
-  Latency-Low(ms) :  1
-  Latency-High(ms):  18
-  Latency-avg(ms) :  4
-  Port ID         :  CTE0.A.IOM0.P0
-  ========================================
 
 Words the command does not take.
 
-  $ cv show path id=0 array_id=0
+  $ usage_of path show path id=0 array_id=0
   Error: Invalid input!
   Usage:
      -- show path [id=<ID1,ID2,...>|array_id=ID]
   [1]
-  $ cv show path name=1
-  Error: Invalid input!
-  Usage:
-     -- show path [id=<ID1,ID2,...>|array_id=ID]
-  [1]
-  $ cv show path array_id=abc
-  Error: Invalid input!
-  Usage:
-     -- show path [id=<ID1,ID2,...>|array_id=ID]
-  [1]
-  $ cv show path array_id
-  Error: Invalid input!
-  Usage:
-     -- show path [id=<ID1,ID2,...>|array_id=ID]
-  [1]
-  $ cv show path id=abc
+  $ refusals <<'EOF'
+  > show path name=1
+  > show path array_id=abc
+  > show path array_id
+  > EOF
+  [1] show path name=1: Error: Invalid input! | <path usage>
+  [1] show path array_id=abc: Error: Invalid input! | <path usage>
+  [1] show path array_id: Error: Invalid input! | <path usage>
+  $ usage_of id-list show path id=abc
   Error: Invalid input --- abc
   Usage:
         -- show path [id=<ID1,ID2,...>|array_id=ID]
   [1]
-  $ cv show path id=1,2,3,4,5,6,7,8,9
-  Error: You can't input more than 8 ids
-  Usage:
-        -- show path [id=<ID1,ID2,...>|array_id=ID]
-  [1]
-  $ cv show path id=
-  Usage:
-        -- show path [id=<ID1,ID2,...>|array_id=ID]
-  [1]
+  $ refusals <<'EOF'
+  > show path id=1,2,3,4,5,6,7,8,9
+  > show path id=
+  > EOF
+  [1] show path id=1,2,3,4,5,6,7,8,9: Error: You can't input more than 8 ids | <id-list usage>
+  [1] show path id=: <id-list usage>
