@@ -6,13 +6,11 @@ configuration, told to the driver, written to the operation log.
   $ log="$CVADM_ROOT/opt/Corvane/log"
   $ printf 0 > "$log/serial_oper"
   $ item() { grep -o "<io_latency_threshold>[^<]*</io_latency_threshold>" "$cfg"; }
-  $ operlog() { awk -F'\\] \\[' '{print $1"] ["$4"] ["$5"] ["$6"] ["$7"] ["$8"] ["$10}' "$log/oper_log"; }
 
 The value the configuration holds:
 
-  $ cvu show io_latency_threshold
+  $ cv show io_latency_threshold
   io_latency_threshold : 20
-  [0]
   $ cvu show io_latency_threshold extra
   Error: Invalid input!
   Usage:
@@ -21,29 +19,19 @@ The value the configuration holds:
 
 Both ends of the range are accepted; 0 turns the latency event off:
 
-  $ cvu set io_latency_threshold=0
+  $ for value in 0 120000; do
+  >   cv set io_latency_threshold=$value && item && cv show io_latency_threshold && notified
+  > done
   Succeeded in executing the command.
-  [0]
-  $ item
   <io_latency_threshold>0</io_latency_threshold>
-  $ cv show io_latency_threshold
   io_latency_threshold : 0
-  $ cvu set io_latency_threshold=120000
+  nr=70 result=1024 size=140 type=100 instance='' count=1 item=io_latency_threshold value=0
+  other bytes zero: True
   Succeeded in executing the command.
-  [0]
-  $ cv show io_latency_threshold
+  <io_latency_threshold>120000</io_latency_threshold>
   io_latency_threshold : 120000
-  $ /usr/bin/python3 - "$CVADM_ROOT/sim/requests.log" <<'EOF'
-  > import re, sys
-  > for line in open(sys.argv[1]):
-  >     m = re.search(r"nr=(\d+) .* result=(\d+) in=([0-9a-f]*)", line)
-  >     b = bytes.fromhex(m.group(3))
-  >     text = lambda off, n: b[off:off + n].split(b"\0")[0].decode()
-  >     print("nr=%s result=%s type=%d item=%s value=%s"
-  >           % (m.group(1), m.group(2), int.from_bytes(b[:4], "little"), text(44, 32), text(76, 64)))
-  > EOF
-  nr=70 result=1024 type=100 item=io_latency_threshold value=0
-  nr=70 result=1024 type=100 item=io_latency_threshold value=120000
+  nr=70 result=1024 size=140 type=100 instance='' count=1 item=io_latency_threshold value=120000
+  other bytes zero: True
   $ operlog
   [1] [CLI] [1] [1396789589] [set io_latency_threshold=0] [Set IO latency threshold time 0 ms] [1]
   [2] [CLI] [1] [1396789589] [set io_latency_threshold=120000] [Set IO latency threshold time 120000 ms] [1]
@@ -52,7 +40,7 @@ One past the end, a value that is no number, and a missing value are
 refused without asking the driver:
 
   $ : > "$CVADM_ROOT/sim/requests.log"
-  $ cvu set io_latency_threshold=120001
+  $ usage_of latency set io_latency_threshold=120001
   Error: Invalid input!
   Usage:
   set io_latency_threshold=<time>        --  set io latency threshold.
@@ -60,32 +48,16 @@ refused without asking the driver:
                                          --  0 means do not print the I/O latency event.
                                          --  Default is 20.
   [1]
-  $ cvu set io_latency_threshold=-1
-  Error: Invalid input!
-  Usage:
-  set io_latency_threshold=<time>        --  set io latency threshold.
-                                         --  time is in the range 0~120000, unit is ms.
-                                         --  0 means do not print the I/O latency event.
-                                         --  Default is 20.
-  [1]
-  $ cvu set io_latency_threshold=20ms
-  Error: Invalid input!
-  Usage:
-  set io_latency_threshold=<time>        --  set io latency threshold.
-                                         --  time is in the range 0~120000, unit is ms.
-                                         --  0 means do not print the I/O latency event.
-                                         --  Default is 20.
-  [1]
-  $ cvu set io_latency_threshold
-  Error: Invalid input!
-  Usage:
-             --set io_latency_threshold=<time>
-  [1]
-  $ cvu set io_latency_threshold=
-  Error: Invalid input!
-  Usage:
-             --set io_latency_threshold=<time>
-  [1]
+  $ refusals <<'EOF'
+  > set io_latency_threshold=-1
+  > set io_latency_threshold=20ms
+  > set io_latency_threshold
+  > set io_latency_threshold=
+  > EOF
+  [1] set io_latency_threshold=-1: Error: Invalid input! | <latency usage>
+  [1] set io_latency_threshold=20ms: Error: Invalid input! | <latency usage>
+  [1] set io_latency_threshold: Error: Invalid input! | Usage: |            --set io_latency_threshold=<time>
+  [1] set io_latency_threshold=: Error: Invalid input! | Usage: |            --set io_latency_threshold=<time>
   $ wc -c < "$CVADM_ROOT/sim/requests.log"
   0
   $ item
@@ -107,12 +79,10 @@ A configuration without the item shows the driver's default; without a
 configuration file the value cannot be read:
 
   $ sed -i '/io_latency_threshold/d' "$cfg"
-  $ cvu show io_latency_threshold
+  $ cv show io_latency_threshold
   io_latency_threshold : 20
-  [0]
-  $ cvu set io_latency_threshold=35
+  $ cv set io_latency_threshold=35
   Succeeded in executing the command.
-  [0]
   $ item
   <io_latency_threshold>35</io_latency_threshold>
   $ rm "$cfg"

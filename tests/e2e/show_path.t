@@ -83,18 +83,16 @@ not exist and a SAS path still waiting for its check.
   Port ID         :  CTE0.B.IOM0.P0
   ========================================
   $ cv show path id=2,11,99,7 > out.txt
-  $ grep -E 'Information|not exist|^(Initiator Port|Check State|Port Type|I/O Retry count|Path Fault count|Latency-High\(ms\))' out.txt
+  $ grep -E 'Information|not exist|^(Initiator Port|Check State|I/O Retry count|Path Fault count|Latency-High\(ms\))' out.txt
              Path#2 Information           
   Initiator Port  :  21:00:00:24:ff:4c:8a:10
   Check State     :  Checking
-  Port Type       :  FC
   I/O Retry count :  190
   Path Fault count:  15
   Latency-High(ms):  1900
             Path#11 Information           
   Initiator Port  :  iqn.1994-05.com.redhat:cvhost01::FD00:10:20:0:0:0:0:21::51035
   Check State     :  --
-  Port Type       :  iSCSI
   I/O Retry count :  0
   Path Fault count:  0
   Latency-High(ms):  35000
@@ -102,14 +100,12 @@ not exist and a SAS path still waiting for its check.
              Path#7 Information           
   Initiator Port  :  500605b00a4c7e20
   Check State     :  Waiting
-  Port Type       :  SAS
   I/O Retry count :  0
   Path Fault count:  0
   Latency-High(ms):  0
 
-Columns keep their widths at the prompt: array 2's table widens them,
-and array 0's table after it stays wide (headers, path 0 and closing
-lines).
+Columns keep their widths at the prompt: array 2's table widens them, and
+array 0's after it stays wide (headers, path 0 and closing lines).
 
   $ printf 'show path array_id=0\nshow path array_id=2\nshow path array_id=0\nquit\n' | cv | grep -E '^( +Path ID| +0 |-+$)'
    Path ID      Initiator Port       Array Name   Controller        Target Port                Path State           Check State  Port Type     Port ID     

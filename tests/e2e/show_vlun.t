@@ -121,10 +121,9 @@ Details: an ordinary VLUN with its controllers and paths.
   Manual IO Suspension  : Off
   -------------------------------------------------------
 
-The other details differ from that block in the lines shown: an
-unavailable disk, whose paths read "Fault" unless disabled; a PE LUN; a
-VLUN under manual I/O suspension, on an array that hides its controllers,
-followed by an unknown VLUN; a PE LUN asked for with every type.
+Other details, in the lines that differ: an unavailable disk (paths read
+"Fault" unless disabled); a PE LUN; a suspended VLUN on an array that hides
+its controllers, then an unknown VLUN; a PE LUN asked for with every type.
 
   $ cv show vlun id=2 | grep -E '^(Status|Path) '
   Status                : Unavailable
@@ -150,9 +149,7 @@ followed by an unknown VLUN; a PE LUN asked for with every type.
   -------------------------------------------------------
   The VLUN whose ID is 77 does not exist.
   -------------------------------------------------------
-  $ cv show vlun id=6 type=all | tail -n 5
-  Controller 1
-  Path 9 [3:0:5:4] (sdbr)  : Fault
+  $ cv show vlun id=6 type=all | tail -n 3
   Manual IO Suspension  : Off
   Device Type       : PE LUN
   -------------------------------------------------------
@@ -236,7 +233,8 @@ lies in array 0; the array sets one value, the LUN overrides another.
   $ sed -i 's|<array/>|<array><array2102351QLH10K7000001><lb_io_threshold>500</lb_io_threshold><iosuspensiontime>30</iosuspensiontime></array2102351QLH10K7000001></array>|' root/etc/user_cfg.xml
   $ wwn=$(cv show vlun id=1 | sed -n 's/^LUN WWN *: //p')
   $ sed -i "s|<lun/>|<lun><lun$wwn><iosuspensiontime>0</iosuspensiontime><luntrespass>0</luntrespass></lun$wwn></lun>|" root/etc/user_cfg.xml
-  $ cv show vlun id=1,0 verbose | grep -A8 '^Working Mode'
+  $ cv show vlun id=1,0 verbose | sed -n '/Information/p; /^Working Mode/,/^Manual/p'
+                    VLUN#1 Information                   
   Working Mode      : load balancing within controller
   LUN Trespass      : off
   LoadBalance Mode  : minimal queue depth algorithm
@@ -244,9 +242,7 @@ lies in array 0; the array sets one value, the LUN overrides another.
   Io Suspension Time        : 0
   Max io retry timeout      : 1800
   Manual IO Suspension  : Off
-  -------------------------------------------------------
-  =======================================================
-  --
+                    VLUN#0 Information                   
   Working Mode      : load balancing within controller
   LUN Trespass      : on
   LoadBalance Mode  : minimal queue depth algorithm
@@ -254,7 +250,6 @@ lies in array 0; the array sets one value, the LUN overrides another.
   Io Suspension Time        : 30
   Max io retry timeout      : 1800
   Manual IO Suspension  : Off
-  -------------------------------------------------------
 
 A configuration that cannot be read: the VLUN is skipped after a dash line.
 
