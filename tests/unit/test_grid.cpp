@@ -81,7 +81,7 @@ TEST(Grid, AnEmptyGridIsAFramedHeader)
     EXPECT_EQ(grid.rows(), 0u);
     EXPECT_EQ(written(layout, grid),
               "------------------\n"
-              "  ID     Name   St \n"
+              "  ID    Name   St \n"
               "------------------\n");
 }
 
