@@ -9,6 +9,7 @@
 
 #include "bounded/bounded.h"
 #include "cli/cli.h"
+#include "cli/cli_command.h"
 #include "cli/cli_objects.h"
 #include "cli/cli_print.h"
 #include "cli/cli_token.h"
@@ -56,28 +57,17 @@ constexpr std::array kVLunTypeWords = std::to_array<VLunTypeWord>({
     {"pe", UIL_VLUN_TYPE_PE},
 });
 
-// The key of a key=value word ("" for a word without "=").
-std::string wordKey(const char* word)
-{
-    char key[kWordLen + 1] = {};
-    if (std::strchr(word, '=') == nullptr || MPCLI_GetStringFromEqual(word, key, 0, sizeof(key)) != 1) {
-        return {};
-    }
-    return key;
-}
-
-bool isTypeWord(const char* word) { return wordKey(word) == "type"; }
+bool isTypeWord(const MPCLI_Word& word) { return word.hasEqual && word.key == "type"; }
 
 // The type filter of a "type=..." word; UIL_VLUN_TYPE_INVALID for any
 // other value.
-uint8_t typeFromWord(const char* word)
+uint8_t typeFromWord(const MPCLI_Word& word)
 {
-    char value[kWordLen + 1] = {};
-    if (MPCLI_GetStringFromEqual(word, value, 1, sizeof(value)) != 1) {
+    if (!word.hasValue() || word.value.size() > kWordLen) {
         return UIL_VLUN_TYPE_INVALID;
     }
     for (const VLunTypeWord& row : kVLunTypeWords) {
-        if (std::strcmp(value, row.keyword) == 0) {
+        if (word.value == row.keyword) {
             return row.type;
         }
     }
@@ -85,7 +75,7 @@ uint8_t typeFromWord(const char* word)
 }
 
 // Words that may follow the first selector of the command.
-bool MPCLI_CheckShowVLunPara(const char* word) { return std::strcmp(word, kVerbose) == 0 || isTypeWord(word); }
+bool MPCLI_CheckShowVLunPara(const MPCLI_Word& word) { return word.is(kVerbose) || isTypeWord(word); }
 
 // The filter a VLUN must pass: ordinary VLUNs unless a type word says
 // otherwise.
@@ -101,7 +91,7 @@ struct VLunFilter {
 
 // Reads a type word into `filter`; false when the value is not a type or a
 // second type word is given.
-bool takeTypeWord(const char* word, VLunFilter* filter)
+bool takeTypeWord(const MPCLI_Word& word, VLunFilter* filter)
 {
     if (filter->given) {
         return false;
@@ -268,21 +258,20 @@ uint8_t showVLunsOfAllArrays(const VLunFilter& filter)
 }
 
 // show vlun [array_id=<ID1,...>] [type=<...>]
-uint8_t MPCLI_ShowVLunByArrayId(uint32_t argc, char** argv)
+uint8_t MPCLI_ShowVLunByArrayId(const MPCLI_Command& command)
 {
-    if (argc > kMaxListWords) {
+    if (command.size() > kMaxListWords) {
         return printUsage();
     }
     VLunFilter filter;
-    const char* arrayWord = nullptr;
-    for (uint32_t i = 1; i < argc; ++i) {
-        const std::string key = wordKey(argv[i]);
-        if (key == "type") {
-            if (!takeTypeWord(argv[i], &filter)) {
+    const MPCLI_Word* arrayWord = nullptr;
+    for (const MPCLI_Word& word : command.args()) {
+        if (isTypeWord(word)) {
+            if (!takeTypeWord(word, &filter)) {
                 return printUsage();
             }
-        } else if (key == "array_id" && arrayWord == nullptr) {
-            arrayWord = argv[i];
+        } else if (word.hasEqual && word.key == "array_id" && arrayWord == nullptr) {
+            arrayWord = &word;
         } else {
             return printUsage();
         }
@@ -292,8 +281,7 @@ uint8_t MPCLI_ShowVLunByArrayId(uint32_t argc, char** argv)
     }
     uint32_t ids[MPCLI_MAX_IDS] = {};
     uint32_t count = 0;
-    if (MPCLI_GetEqualDigitalValues(arrayWord, "array_id", ids, MPCLI_MAX_IDS, &count, MPCLI_ID_ARRAY) != 1 ||
-        count == 0) {
+    if (MPCLI_ReadIdList(*arrayWord, "array_id", ids, MPCLI_MAX_IDS, &count, MPCLI_ID_ARRAY) != 1 || count == 0) {
         return printUsage();
     }
     return showVLunsOfNamedArrays(ids, count, filter);
@@ -446,19 +434,19 @@ bool MPCLI_ShowVLunByVlunType(uint32_t vlunId, const VLunFilter& filter, bool ve
 }
 
 // show vlun id=<ID1,...> [type=<...>] [verbose]
-uint8_t MPCLI_ShowVLunById(uint32_t argc, char** argv)
+uint8_t MPCLI_ShowVLunById(const MPCLI_Command& command)
 {
     uint32_t ids[MPCLI_MAX_IDS] = {};
     uint32_t count = 0;
-    if (MPCLI_GetEqualDigitalValues(argv[1], "id", ids, MPCLI_MAX_IDS, &count, MPCLI_ID_VLUN) != 1 || count == 0) {
+    if (MPCLI_ReadIdList(command[1], "id", ids, MPCLI_MAX_IDS, &count, MPCLI_ID_VLUN) != 1 || count == 0) {
         return printUsage();
     }
     VLunFilter filter;
     bool verbose = false;
-    for (uint32_t i = 2; i < argc; ++i) {
-        if (std::strcmp(argv[i], kVerbose) == 0 && !verbose) {
+    for (const MPCLI_Word& word : command.args().subspan(1)) {
+        if (word.is(kVerbose) && !verbose) {
             verbose = true;
-        } else if (!isTypeWord(argv[i]) || !takeTypeWord(argv[i], &filter)) {
+        } else if (!isTypeWord(word) || !takeTypeWord(word, &filter)) {
             return printUsage();
         }
     }
@@ -512,17 +500,19 @@ uint8_t MPCLI_ShowVLun(uint32_t argc, char** argv)
         MPCLI_CVMUsage();
         return MPCLI_RESULT_FAIL;
     }
-    if (argc == 1) {
-        return MPCLI_ShowVLunByArrayId(argc, argv);
+    const MPCLI_Command command(argc, argv);
+    if (command.size() == 1) {
+        return MPCLI_ShowVLunByArrayId(command);
     }
-    const std::string key = wordKey(argv[1]);
+    const MPCLI_Word& first = command[1];
+    const std::string_view key = first.hasEqual ? first.key : std::string_view();
     if (key != "id" && key != "array_id" && key != "type") {
         return printUsage();
     }
-    for (uint32_t i = 2; i < argc; ++i) {
-        if (!MPCLI_CheckShowVLunPara(argv[i])) {
+    for (const MPCLI_Word& word : command.args().subspan(1)) {
+        if (!MPCLI_CheckShowVLunPara(word)) {
             return printUsage();
         }
     }
-    return key == "id" ? MPCLI_ShowVLunById(argc, argv) : MPCLI_ShowVLunByArrayId(argc, argv);
+    return key == "id" ? MPCLI_ShowVLunById(command) : MPCLI_ShowVLunByArrayId(command);
 }
