@@ -96,42 +96,11 @@ uint8_t MPCLI_HelpGenerateprkey(uint32_t argc, char** /*argv*/)
     return helpSingle(argc, HELP_GENPRKEY);
 }
 
-uint8_t MPCLI_HelpShow(uint32_t argc, char** argv)
-{
-    return helpVerb(argc, argv, g_stCLIOptionShowType);
-}
-
-uint8_t MPCLI_HelpSet(uint32_t argc, char** argv)
-{
-    return helpVerb(argc, argv, g_stCLIOptionSetType);
-}
-
-uint8_t MPCLI_HelpStart(uint32_t argc, char** argv)
-{
-    return helpVerb(argc, argv, g_stCLIOptionStartType);
-}
-
-uint8_t MPCLI_HelpClear(uint32_t argc, char** argv)
-{
-    return helpVerb(argc, argv, g_stCLIOptionClearType);
-}
-
-uint8_t MPCLI_HelpAdd(uint32_t argc, char** argv)
-{
-    return helpVerb(argc, argv, g_stCLIOptionAddType);
-}
-
-uint8_t MPCLI_HelpDel(uint32_t argc, char** argv)
-{
-    return helpVerb(argc, argv, g_stCLIOptionDelType);
-}
-
-uint8_t MPCLI_HelpCheck(uint32_t argc, char** argv)
-{
-    return helpVerb(argc, argv, g_stCLIOptionCheckType);
-}
-
-uint8_t MPCLI_HelpStop(uint32_t argc, char** argv)
-{
-    return helpVerb(argc, argv, g_stCLIOptionStopType);
-}
+uint8_t MPCLI_HelpShow(uint32_t argc, char** argv) { return helpVerb(argc, argv, g_stCLIOptionShowType); }
+uint8_t MPCLI_HelpSet(uint32_t argc, char** argv) { return helpVerb(argc, argv, g_stCLIOptionSetType); }
+uint8_t MPCLI_HelpStart(uint32_t argc, char** argv) { return helpVerb(argc, argv, g_stCLIOptionStartType); }
+uint8_t MPCLI_HelpClear(uint32_t argc, char** argv) { return helpVerb(argc, argv, g_stCLIOptionClearType); }
+uint8_t MPCLI_HelpAdd(uint32_t argc, char** argv) { return helpVerb(argc, argv, g_stCLIOptionAddType); }
+uint8_t MPCLI_HelpDel(uint32_t argc, char** argv) { return helpVerb(argc, argv, g_stCLIOptionDelType); }
+uint8_t MPCLI_HelpCheck(uint32_t argc, char** argv) { return helpVerb(argc, argv, g_stCLIOptionCheckType); }
+uint8_t MPCLI_HelpStop(uint32_t argc, char** argv) { return helpVerb(argc, argv, g_stCLIOptionStopType); }

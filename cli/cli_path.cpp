@@ -12,6 +12,7 @@
 #include "cli/cli_objects.h"
 #include "cli/cli_print.h"
 #include "cli/cli_token.h"
+#include "mpi/mpi_scope.h"
 
 namespace {
 
@@ -144,9 +145,9 @@ uint8_t showPathsOfArray(uint32_t arrayId)
         MPCLI_PrintfInternalErrorInfo(ret);
         return MPCLI_RESULT_FAIL;
     }
+    const MPI_Ended<INTF_UIL_EnumeratePhyPathEnd> owner(&paths);
     UilControllerNamer namer;
     (void)printPathList(paths, namer);
-    INTF_UIL_EnumeratePhyPathEnd(&paths);
     return MPCLI_RESULT_OK;
 }
 
@@ -182,8 +183,8 @@ uint8_t MPCLI_ShowPathAll()
             result = MPCLI_RESULT_FAIL;
             continue;
         }
+        const MPI_Ended<INTF_UIL_EnumeratePhyPathEnd> owner(&paths);
         printed += printPathList(paths, namer);
-        INTF_UIL_EnumeratePhyPathEnd(&paths);
     }
     if (noPath == arrays || printed == 0) {
         MPCLI_Print("Can't find any pathes.\n");

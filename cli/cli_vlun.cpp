@@ -2,18 +2,19 @@
 // by VLUN type, and the detail of chosen VLUNs; and the capacity text.
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "bounded/bounded.h"
 #include "cli/cli.h"
+#include "cli/cli_capacity.h"
 #include "cli/cli_command.h"
 #include "cli/cli_objects.h"
 #include "cli/cli_print.h"
 #include "cli/cli_token.h"
 #include "uil/uil_cfg.h"
+#include "mpi/mpi_scope.h"
 
 namespace {
 
@@ -34,14 +35,6 @@ uint8_t printUsage()
     MPCLI_Print("%s", kUsage);
     return MPCLI_RESULT_FAIL;
 }
-
-// ---------------------------------------------------------------------------
-// Capacity.
-
-constexpr std::array<const char*, 6> kCapacityUnits = {"B", "KB", "MB", "GB", "TB", "PB"};
-constexpr uint32_t kUnitKb = 1;
-constexpr uint32_t kLastUnit = kCapacityUnits.size() - 1;
-constexpr double kUnitStep = 1024.0;
 
 // ---------------------------------------------------------------------------
 // Words of the command.
@@ -205,6 +198,7 @@ ListOutcome showVLunsOfArray(uint32_t arrayId, const VLunFilter& filter, UilCont
         UIL_ERR("Enumerate vlun info of array {%u} fail. ret {%u}", arrayId, ret);
         return ListOutcome::kFailed;
     }
+    const MPI_Ended<INTF_UIL_EnumerateVLunEnd> owner(&list);
     std::vector<const VLunInfo*> kept;
     for (const MPI_ListNode* node = list.next; node != &list; node = node->next) {
         const VLunInfo* v = MPCLI_ListRecord<VLunInfo>(node);
@@ -215,7 +209,6 @@ ListOutcome showVLunsOfArray(uint32_t arrayId, const VLunFilter& filter, UilCont
     if (!kept.empty()) {
         MPCLI_PrintVLunList(arrayId, kept, namer);
     }
-    INTF_UIL_EnumerateVLunEnd(&list);
     return kept.empty() ? ListOutcome::kEmpty : ListOutcome::kPrinted;
 }
 
@@ -368,10 +361,11 @@ bool MPCLI_ShowDiskById(const VLunInfo& v, bool verbose)
 {
     const uint32_t diskId = v.memberDiskId[0];
     DiskInfo disk;
+    // What the Start call filled is released whatever it answered.
+    const MPI_Ended<INTF_UIL_GetDiskDetailInfoEnd> owner(&disk);
     const uint32_t ret = INTF_UIL_GetDiskDetailInfoStart(diskId, &disk);
     if (ret != MPI_RET_SUCCESS) {
         UIL_ERR("Get disk {%u} detail info fail. ret {%u}", diskId, ret);
-        INTF_UIL_GetDiskDetailInfoEnd(&disk);
         MPCLI_Print("The disk whose ID is %u does not exist.\n", diskId);
         return false;
     }
@@ -380,14 +374,12 @@ bool MPCLI_ShowDiskById(const VLunInfo& v, bool verbose)
         const uint32_t cfgRet = INTF_UIL_GetFullConfig(disk.lunWwn, disk.arraySn, &config);
         if (cfgRet != MPI_RET_SUCCESS) {
             UIL_ERR("Get config of vlun {%u} failed. ret {%u}", v.vlunId, cfgRet);
-            INTF_UIL_GetDiskDetailInfoEnd(&disk);
             MPCLI_PrintDash(kDetailWidth);
             MPCLI_Print("Get config information failed.\n");
             return false;
         }
     }
     MPCLI_PrintDiskDetailInfo(v, disk, verbose ? &config : nullptr);
-    INTF_UIL_GetDiskDetailInfoEnd(&disk);
     return true;
 }
 
@@ -415,22 +407,16 @@ bool isAggregated(const VLunInfo& v) { return v.type == UIL_VLUN_TYPE_DUALSITE |
 bool MPCLI_ShowVLunByVlunType(uint32_t vlunId, const VLunFilter& filter, bool verbose)
 {
     VLunInfo v;
+    const MPI_Ended<INTF_UIL_GetVLunInfoEnd> owner(&v);
     if (INTF_UIL_GetVLunInfoStart(vlunId, &v) != MPI_RET_SUCCESS) {
-        INTF_UIL_GetVLunInfoEnd(&v);
         MPCLI_Print("The VLUN whose ID is %u does not exist.\n", vlunId);
         MPCLI_PrintDash(kDetailWidth);
         return false;
     }
-    bool shown = false;
     if (filter.given && !filter.keeps(v)) {
-        shown = MPCLI_PrintTypeMissMatch(v, filter);
-    } else if (isAggregated(v)) {
-        shown = showAggregatedVLun(v);
-    } else {
-        shown = MPCLI_ShowDiskById(v, verbose);
+        return MPCLI_PrintTypeMissMatch(v, filter);
     }
-    INTF_UIL_GetVLunInfoEnd(&v);
-    return shown;
+    return isAggregated(v) ? showAggregatedVLun(v) : MPCLI_ShowDiskById(v, verbose);
 }
 
 // show vlun id=<ID1,...> [type=<...>] [verbose]
@@ -460,38 +446,6 @@ uint8_t MPCLI_ShowVLunById(const MPCLI_Command& command)
 }
 
 }  // namespace
-
-bool MPCLI_CanUpConvertCapacity(double value)
-{
-    const double next = value / kUnitStep;
-    if (next < 1.0) {
-        return false;
-    }
-    // At most two decimals, exactly: nothing left below the hundredths.
-    const double hundredths = next * 100.0;
-    const double below = hundredths - std::floor(hundredths);
-    return static_cast<uint64_t>(below * 10000.0) == 0;
-}
-
-void MPCLI_UpConvertCapacity(uint32_t* unitIndex, double* value)
-{
-    CLI_ASSERT(unitIndex != nullptr);
-    CLI_ASSERT(value != nullptr);
-    *value /= kUnitStep;
-    ++*unitIndex;
-}
-
-void MPCLI_PrintCapacity(char* out, size_t outSize, uint64_t bytes)
-{
-    CLI_ASSERT(out != nullptr);
-    CLI_ASSERT(outSize > 0);
-    uint32_t unit = kUnitKb;
-    double value = static_cast<double>(bytes / 1024);
-    while (unit < kLastUnit && MPCLI_CanUpConvertCapacity(value)) {
-        MPCLI_UpConvertCapacity(&unit, &value);
-    }
-    (void)snprintf_s(out, outSize, outSize - 1, "%.2f%s", value, kCapacityUnits[unit]);
-}
 
 uint8_t MPCLI_ShowVLun(uint32_t argc, char** argv)
 {
