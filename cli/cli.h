@@ -65,6 +65,8 @@ uint8_t MPCLI_Stop(uint32_t argc, char** argv);
 
 // Help and general commands (cli_help.cpp, cli_misc.cpp).
 void MPCLI_CVMUsage();
+// Prints `text`, then the usage text; returns MPCLI_RESULT_FAIL.
+uint8_t MPCLI_UsageError(const char* text);
 uint8_t MPCLI_Help(uint32_t argc, char** argv);
 uint8_t MPCLI_HelpHelp(uint32_t argc, char** argv);
 uint8_t MPCLI_HelpQuit(uint32_t argc, char** argv);

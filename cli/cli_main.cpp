@@ -1,20 +1,22 @@
 // The shell's spine: start-up guards, the two ways of running (one command
 // from the process arguments, or the prompt), line splitting and the
 // table-driven dispatch of a verb and its object keyword.
+#include <fcntl.h>
 #include <signal.h>
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "bounded/bounded.h"
 #include "cli/cli.h"
-#include "cli/cli_token.h"
+#include "cli/cli_command.h"
 #include "mpi/mpi_root.h"
-#include "uia/uia.h"
 #include "uil/uil.h"
 
 uint8_t g_bCLIDebugCmdOn = 0;
@@ -35,17 +37,7 @@ constexpr size_t kJoinPieceLen = 64;
 constexpr const char kFileNameKey[] = "file_name=";
 constexpr const char kPrompt[] = "\nCorvane CLI #%u >";
 
-void printUsageError(const char* text)
-{
-    MPCLI_Print("%s", text);
-    MPCLI_CVMUsage();
-}
-
-uint8_t needMoreOption()
-{
-    printUsageError("Error: Need more option\n");
-    return MPCLI_RESULT_FAIL;
-}
+uint8_t needMoreOption() { return MPCLI_UsageError("Error: Need more option\n"); }
 
 // Verbs that just dispatch their object keyword in their own table.
 uint8_t dispatchObject(uint32_t argc, char** argv, MPCLI_Table table)
@@ -157,76 +149,28 @@ struct ArgBuffers {
     }
 };
 
-struct OperType {
-    const char* keyword;
-    uint32_t type;
-};
-
-constexpr uint32_t kOperBase = 0x53415100;
-constexpr uint32_t kOperUnknown = 0x53415115;
-
-// Operation identifiers of the operation log. The second "iosuspension" and
-// "cvRescan" rows can never match; they stay so the table keeps its shape.
-constexpr std::array<OperType, 56> g_stGetOperType = {{
-    {"workingmode", kOperBase + 0x16},
-    {"loadbalancemode", kOperBase + 0x03},
-    {"luntrespass", kOperBase + 0x04},
-    {"failbackdelaytime", kOperBase + 0x06},
-    {"iosuspensiontime", kOperBase + 0x07},
-    {"ioretry", kOperBase + 0x08},
-    {"pathstate", kOperBase + 0x17},
-    {"pathcheck", kOperBase + 0x0C},
-    {"updatetimezone", kOperBase + 0x10},
-    {"phypathnormal", kOperBase + 0x13},
-    {"tpgstate", kOperBase + 0x18},
-    {"serial", kOperBase + 0x14},
-    {"timeoutluntrespassdelaytime", kOperBase + 0x4C},
-    {"busydelaytime", kOperBase + 0x48},
-    {"pathiostate", kOperBase + 0x49},
-    {"stabletime", kOperBase + 0x4A},
-    {"alarmenable", kOperBase + 0x4E},
-    {"path_reliability_enable", kOperBase + 0x51},
-    {"stop_iosuspension", kOperBase + 0x54},
-    {"rebalancelun", kOperBase + 0x23},
-    {"lb_io_threshold", kOperBase + 0x24},
-    {"faulty_path_check_interval", kOperBase + 0x25},
-    {"idle_path_check_interval", kOperBase + 0x26},
-    {"max_io_retry_timeout", kOperBase + 0x27},
-    {"tod_time", kOperBase + 0x28},
-    {"tod_threshold", kOperBase + 0x29},
-    {"tod_recovery_time", kOperBase + 0x2A},
-    {"ied_time", kOperBase + 0x2B},
-    {"ied_min_io", kOperBase + 0x2C},
-    {"ied_threshold", kOperBase + 0x2D},
-    {"ied_recovery_time", kOperBase + 0x2E},
-    {"ifd_time", kOperBase + 0x2F},
-    {"ifd_threshold", kOperBase + 0x30},
-    {"ifd_recovery_time", kOperBase + 0x31},
-    {"obsolete_path", kOperBase + 0x3A},
-    {"remote_controller", kOperBase + 0x32},
-    {"hld_time", kOperBase + 0x34},
-    {"hld_threshold", kOperBase + 0x35},
-    {"hld_recovery_time", kOperBase + 0x36},
-    {"io_latency_threshold", kOperBase + 0x55},
-    {"io_count", kOperBase + 0x56},
-    {"cvconfig", kOperBase + 0x37},
-    {"performance_record", kOperBase + 0x63},
-    {"path_statistic", kOperBase + 0x64},
-    {"install Corvane service", kOperBase + 0x3B},
-    {"uninstall Corvane service", kOperBase + 0x3C},
-    {"start Corvane service", kOperBase + 0x3D},
-    {"stop Corvane service", kOperBase + 0x3E},
-    {"cvRescan", kOperBase + 0x20},
-    {"dualsite", kOperBase + 0x3F},
-    {"migration", kOperBase + 0x44},
-    {"iosuspension", kOperBase + 0x45},
-    {"iosuspension", kOperBase + 0x46},
-    {"cvRescan", kOperBase + 0x20},
-    {"sdd_threshold", kOperBase + 0x60},
-    {"sdd_recovery_time", kOperBase + 0x61},
-}};
-
 constexpr std::array<const char*, 3> g_stCLIPamCheckType = {"remote_controller", "phypathnormal", "dualsite"};
+
+// Descriptors 0, 1 and 2 that are closed are opened on /dev/null before
+// anything else is opened, so that no file the program opens later (the
+// device node, a lock, a log) can take their place and receive what is
+// meant for the terminal. False when standard output was closed.
+bool openClosedStandardDescriptors()
+{
+    bool stdoutOpen = true;
+    for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; ++fd) {
+        if (fcntl(fd, F_GETFD) != -1 || errno != EBADF) {
+            continue;
+        }
+        stdoutOpen = stdoutOpen && fd != STDOUT_FILENO;
+        const int opened = open("/dev/null", fd == STDIN_FILENO ? O_RDONLY : O_WRONLY);
+        if (opened >= 0 && opened != fd) {
+            (void)dup2(opened, fd);
+            (void)close(opened);
+        }
+    }
+    return stdoutOpen;
+}
 
 }  // namespace
 
@@ -281,9 +225,7 @@ void MPCLI_ControlC(int /*signo*/)
     // ending the process needs no more than releasing the device.
     if (g_uiCLIContrlCRef == 0) {
         (void)!write(STDOUT_FILENO, "\n", 1);
-        if (g_uiUIAIoctlFd >= 0) {
-            (void)close(g_uiUIAIoctlFd);
-        }
+        INTF_UIL_ReleaseDevice();
         _exit(0);
     }
     // A repeating display is running: it sees the count drop and ends. The
@@ -336,15 +278,17 @@ char* MPCLI_Readline(const char* promptFormat, ...)
             break;
         }
     }
-    if (c == EOF) {
-        return nullptr;  // end of input: an unfinished line is not a command
+    if (c == EOF && read == 0) {
+        return nullptr;  // end of input
     }
-    if (read > kLineLen) {
-        printUsageError("Error: Invalid input!\n");
+    // A last line without its newline is a line all the same.
+    const size_t length = c == EOF ? read + 1 : read;
+    if (length > kLineLen) {
+        (void)MPCLI_UsageError("Error: Invalid input!\n");
         s_line[0] = '\0';
         return s_line;
     }
-    s_line[read - 1] = '\0';
+    s_line[length - 1] = '\0';
     return s_line;
 }
 
@@ -370,7 +314,7 @@ uint8_t MPCLI_CliExe(char** argBuffers)
         }
         int count = splitLine(line, argBuffers);
         if (count < 0) {
-            printUsageError("Error: Input Option is not supported.\n");
+            (void)MPCLI_UsageError("Error: Input Option is not supported.\n");
             continue;
         }
         (void)MPCLI_NewCmd(static_cast<uint32_t>(count), argBuffers);
@@ -389,58 +333,13 @@ uint8_t MPCLI_NewCmd(uint32_t argc, char** argv)
         return needMoreOption();
     }
     if (!argumentsAllowed(argc, argv)) {
-        printUsageError("Error: not allowed input.\n");
-        return MPCLI_RESULT_FAIL;
+        return MPCLI_UsageError("Error: not allowed input.\n");
     }
     if (argc > 0 && argv[0] != nullptr && g_pszCLIProgname != nullptr && std::strcmp(argv[0], g_pszCLIProgname) == 0) {
         --argc;
         ++argv;
     }
     return MPCLI_Dispatch(argv[0], argc, argv, g_stCLIOptionsType);
-}
-
-uint8_t MPCLI_ExecuteParameter(const char* keyword, uint32_t argc, char** argv, uint32_t rows,
-                               const MPCLI_Option* table)
-{
-    if (keyword == nullptr) {
-        UIL_TRACE_NULL("pcOption");
-        return MPCLI_RESULT_FAIL;
-    }
-    if (table == nullptr) {
-        UIL_TRACE_NULL("pOptionStruc");
-        return MPCLI_RESULT_FAIL;
-    }
-    if (argv == nullptr) {
-        return needMoreOption();
-    }
-    for (uint32_t i = 0; i < rows; ++i) {
-        const MPCLI_Option& row = table[i];
-        if (std::strcmp(keyword, row.keyword) != 0) {
-            continue;
-        }
-        if (g_bCLIDebugCmdOn == 0 && row.flag != MPCLI_FLAG_NORMAL) {
-            printUsageError("Error: not allowed input\n");
-            return MPCLI_RESULT_FAIL;
-        }
-        uint8_t judged = MPCLI_JudgeEnvironment(&row);
-        return judged == 1 ? row.handler(argc, argv) : judged;
-    }
-    printUsageError("Error: Input Option is not supported.\n");
-    return MPCLI_RESULT_FAIL;
-}
-
-uint8_t MPCLI_Dispatch(const char* keyword, uint32_t argc, char** argv, MPCLI_Table table)
-{
-    // An empty table has no storage of its own; any non-null pointer will do.
-    static const MPCLI_Option s_none{"", "", nullptr, 0};
-    const MPCLI_Option* rows = table.empty() ? &s_none : table.data();
-    return MPCLI_ExecuteParameter(keyword, argc, argv, static_cast<uint32_t>(table.size()), rows);
-}
-
-uint8_t MPCLI_JudgeEnvironment(const MPCLI_Option* row)
-{
-    CLI_ASSERT(row != NULL);
-    return 1;
 }
 
 // ---------------------------------------------------------------------------
@@ -459,17 +358,15 @@ uint8_t MPCLI_Set(uint32_t argc, char** argv)
     if (argc < 2 || argv == nullptr || argv[1] == nullptr) {
         return needMoreOption();
     }
-    // The key is the text before "="; a bare word is its own key.
-    char key[kArgBufferLen + 1] = {};
-    if (std::strchr(argv[1], '=') == nullptr || std::strcmp(argv[1], "default") == 0 ||
-        MPCLI_GetStringFromEqual(argv[1], key, 0, sizeof(key)) != 1) {
-        (void)strncpy_s(key, sizeof(key), argv[1], kArgBufferLen);
+    // The key is the text before "="; a bare word is its own key, and so is
+    // a word whose key would not fit the key buffer.
+    const MPCLI_Word word = MPCLI_SplitWord(argv[1]);
+    const bool ownKey = !word.hasEqual || word.raw == "default" || word.key.size() > kArgBufferLen;
+    const std::string key(ownKey ? word.raw.substr(0, kArgBufferLen) : word.key);
+    if (MPCLI_CheckTypeInvlaid(key.c_str(), argv[1]) == 0) {
+        return MPCLI_UsageError("Error: Input Option is not supported.\n");
     }
-    if (MPCLI_CheckTypeInvlaid(key, argv[1]) == 0) {
-        printUsageError("Error: Input Option is not supported.\n");
-        return MPCLI_RESULT_FAIL;
-    }
-    return MPCLI_Dispatch(key, argc - 1, argv + 1, g_stCLIOptionSetType);
+    return MPCLI_Dispatch(key.c_str(), argc - 1, argv + 1, g_stCLIOptionSetType);
 }
 
 uint8_t MPCLI_CheckTypeInvlaid(const char* key, const char* raw)
@@ -491,26 +388,15 @@ uint8_t MPCLI_CheckTypeInvlaid(const char* key, const char* raw)
     return 1;
 }
 
-uint32_t MPCLI_GetOperType(const char* keyword, uint32_t* operType)
-{
-    CLI_ASSERT(keyword != NULL);
-    CLI_ASSERT(operType != NULL);
-    *operType = kOperUnknown;
-    size_t len = std::strlen(keyword);
-    for (const OperType& row : g_stGetOperType) {
-        if (std::strncmp(row.keyword, keyword, len) == 0) {
-            *operType = row.type;
-            return MPI_RET_SUCCESS;
-        }
-    }
-    return MPI_RET_FAIL;
-}
-
 // ---------------------------------------------------------------------------
 // The process.
 
 int MPCLI_Main(int argc, char** argv)
 {
+    const bool stdoutUsable = openClosedStandardDescriptors();
+    // A reader that goes away must not end a change before its log line:
+    // the write fails instead, and the exit status says so.
+    (void)signal(SIGPIPE, SIG_IGN);
     if (argv == nullptr) {
         std::printf("*** Assertion on file \"%s\" function \"%s\" line %d  exception \"%s\"\n", MPI_SRC_CLI_MAIN,
                     __func__, __LINE__, "argv != NULL");
@@ -537,5 +423,9 @@ int MPCLI_Main(int argc, char** argv)
         MPCLI_Fini();
     }
     INTF_UIL_CliEnd();
+    if (!stdoutUsable || std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        std::fprintf(stderr, "cvadm: write error on standard output\n");
+        return 1;
+    }
     return result == MPCLI_RESULT_OK ? 0 : 1;
 }

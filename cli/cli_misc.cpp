@@ -10,6 +10,7 @@
 #include "uil/uil.h"
 #include "uil/uil_cfg.h"
 #include "uil/uil_status.h"
+#include "mpi/mpi_scope.h"
 
 namespace {
 
@@ -65,6 +66,7 @@ void printStatusSection()
 {
     MPI_ListNode records;
     uint32_t ret = INTF_UIL_CheckArrayPathDiskStatus(&records);
+    const MPI_Ended<INTF_UIL_CheckStatusEnd> owner(&records);
     printDashLine();
     MPCLI_Print("Checking path status:\n");
     if (MPI_ListEmpty(&records)) {
@@ -85,7 +87,6 @@ void printStatusSection()
         MPCLI_Print("%-13s%-25s%-25s%-128s\n", severityText(rec->severity), rec->arrayName,
                     statusTypeName(rec->type), description);
     }
-    INTF_UIL_CheckStatusEnd(&records);
 }
 
 }  // namespace

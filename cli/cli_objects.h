@@ -1,5 +1,5 @@
 // The storage-object commands of the shell (arrays, VLUNs, paths) and the
-// display pieces they share: controller names, capacity texts and the
+// display pieces they share: controller names and the
 // one-line form of a disk's path.
 #pragma once
 
@@ -18,15 +18,6 @@ uint8_t MPCLI_ShowPath(uint32_t argc, char** argv);
 // `out` is cleared first; 17 bytes hold every name.
 uint32_t MPCLI_strFormatControllerId(uint32_t arrayId, uint32_t controllerId, uint32_t capability, char* out,
                                      size_t outSize);
-
-// Capacity text of a byte count: whole KB first, then moved up a unit
-// (MB, GB, TB, PB) for as long as the value stays at least 1 with no more
-// than two decimals; printed "%.2f" followed by the unit.
-void MPCLI_PrintCapacity(char* out, size_t outSize, uint64_t bytes);
-// True when value / 1024 may be shown in the next unit up.
-bool MPCLI_CanUpConvertCapacity(double value);
-// Moves value and unit index one unit up.
-void MPCLI_UpConvertCapacity(uint32_t* unitIndex, double* value);
 
 // The record of a list node; the records of the object layer open with
 // their `links`.

@@ -2,16 +2,17 @@
 // table, or chosen paths in detail; and the controller name and path line
 // that the other object displays share.
 #include <array>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "bounded/bounded.h"
 #include "cli/cli.h"
+#include "cli/cli_command.h"
 #include "cli/cli_objects.h"
 #include "cli/cli_print.h"
 #include "cli/cli_token.h"
+#include "mpi/mpi_scope.h"
 
 namespace {
 
@@ -144,9 +145,9 @@ uint8_t showPathsOfArray(uint32_t arrayId)
         MPCLI_PrintfInternalErrorInfo(ret);
         return MPCLI_RESULT_FAIL;
     }
+    const MPI_Ended<INTF_UIL_EnumeratePhyPathEnd> owner(&paths);
     UilControllerNamer namer;
     (void)printPathList(paths, namer);
-    INTF_UIL_EnumeratePhyPathEnd(&paths);
     return MPCLI_RESULT_OK;
 }
 
@@ -182,8 +183,8 @@ uint8_t MPCLI_ShowPathAll()
             result = MPCLI_RESULT_FAIL;
             continue;
         }
+        const MPI_Ended<INTF_UIL_EnumeratePhyPathEnd> owner(&paths);
         printed += printPathList(paths, namer);
-        INTF_UIL_EnumeratePhyPathEnd(&paths);
     }
     if (noPath == arrays || printed == 0) {
         MPCLI_Print("Can't find any pathes.\n");
@@ -230,11 +231,11 @@ void MPCLI_PrintPhyPathForDetail(const UilPathInfo& path)
 
 // Each path that exists is shown; a missing one is reported and the others
 // are still shown, and the command succeeds whatever was found.
-uint8_t showPathsById(const char* word)
+uint8_t showPathsById(const MPCLI_Word& word)
 {
     uint32_t ids[MPCLI_MAX_IDS] = {};
     uint32_t count = 0;
-    if (MPCLI_GetEqualDigitalValues(word, "id", ids, MPCLI_MAX_IDS, &count, MPCLI_ID_PATH) != 1 || count == 0) {
+    if (MPCLI_ReadIdList(word, "id", ids, MPCLI_MAX_IDS, &count, MPCLI_ID_PATH) != 1 || count == 0) {
         MPCLI_Print("Usage:\n");
         MPCLI_Print("%s", kIdUsageLine);
         return MPCLI_RESULT_FAIL;
@@ -251,13 +252,18 @@ uint8_t showPathsById(const char* word)
     return MPCLI_RESULT_OK;
 }
 
-uint8_t showPathsByArrayWord(const char* word)
+// One array, by the same number and range rules as every other array ID.
+uint8_t showPathsByArrayWord(const MPCLI_Word& word)
 {
-    char value[kKeyLen + 1] = {};
-    if (MPCLI_GetStringFromEqual(word, value, 1, sizeof(value)) != 1 || MPCLI_IsNum(value) == 0) {
+    uint32_t arrayId = 0;
+    if (!word.hasValue() || !MPCLI_ReadNum(word.value, &arrayId)) {
         return printInvalidUsage();
     }
-    return showPathsOfArray(static_cast<uint32_t>(std::strtoul(value, nullptr, 10)));
+    if (MPCLI_ValueCheckByType(static_cast<int32_t>(arrayId), MPCLI_ID_ARRAY) == 0) {
+        MPCLI_Print("Error: %.*s is out of range\n", static_cast<int>(word.value.size()), word.value.data());
+        return printInvalidUsage();
+    }
+    return showPathsOfArray(arrayId);
 }
 
 }  // namespace
@@ -294,15 +300,16 @@ uint8_t MPCLI_ShowPath(uint32_t argc, char** argv)
     if (argc > kMaxWords) {
         return printInvalidUsage();
     }
-    char key[kKeyLen + 1] = {};
-    if (MPCLI_GetStringFromEqual(argv[1], key, 0, sizeof(key)) != 1) {
+    const MPCLI_Command command(argc, argv);
+    const MPCLI_Word& word = command[1];
+    if (!word.hasEqual || word.key.size() > kKeyLen) {
         return printInvalidUsage();
     }
-    if (std::strcmp(key, "id") == 0) {
-        return showPathsById(argv[1]);
+    if (word.key == "id") {
+        return showPathsById(word);
     }
-    if (std::strcmp(key, "array_id") == 0) {
-        return showPathsByArrayWord(argv[1]);
+    if (word.key == "array_id") {
+        return showPathsByArrayWord(word);
     }
     return printInvalidUsage();
 }

@@ -2,9 +2,9 @@
 #include <array>
 
 #include "cli/cli.h"
-#include "cli/cli_degrade.h"
 #include "cli/cli_helptext.h"
 #include "cli/cli_objects.h"
+#include "cli/cli_settings.h"
 
 namespace {
 
@@ -33,24 +33,8 @@ constexpr std::array kShow = std::to_array<MPCLI_Option>({
     {"workerstate", HELP_SHOW_WORKERSTATE, MPCLI_ShowWorker, N},
 });
 
-constexpr std::array kSet = std::to_array<MPCLI_Option>({
-    {"hld_time", HELP_SET_HLD_TIME, MPCLI_SetHighLatencyDegradeTime, N},
-    {"hld_threshold", HELP_SET_HLD_THRESHOLD, MPCLI_SetHighLatencyDegradeThreshold, N},
-    {"hld_recovery_time", HELP_SET_HLD_RECOVERY_TIME, MPCLI_SetHighLatencyDegradeRecovery, N},
-    {"io_latency_threshold", HELP_SET_IO_LATENCY_THRESHOLD, MPCLI_SetIOLatencyThreshold, N},
-    {"tod_time", HELP_SET_TOD_TIME, MPCLI_SetTimeOutDegradeTime, N},
-    {"tod_threshold", HELP_SET_TOD_THRESHOLD, MPCLI_SetTimeOutDegradeThreshold, N},
-    {"tod_recovery_time", HELP_SET_TOD_RECOVERY_TIME, MPCLI_SetTimeOutDegradeRecovery, N},
-    {"ied_time", HELP_SET_IED_TIME, MPCLI_SetInterErrorDegradeTime, N},
-    {"ied_min_io", HELP_SET_IED_MIN_IO, MPCLI_SetInterErrorDegradeMinIOCount, N},
-    {"ied_threshold", HELP_SET_IED_THRESHOLD, MPCLI_SetInterErrorDegradeThreshold, N},
-    {"ied_recovery_time", HELP_SET_IED_RECOVERY_TIME, MPCLI_SetInterErrorDegradeRecovery, N},
-    {"ifd_time", HELP_SET_IFD_TIME, MPCLI_SetInterFaultDegradeTime, N},
-    {"ifd_threshold", HELP_SET_IFD_THRESHOLD, MPCLI_SetInterFaultDegradeThreshold, N},
-    {"ifd_recovery_time", HELP_SET_IFD_RECOVERY_TIME, MPCLI_SetInterFaultDegradeRecovery, N},
-    {"sdd_threshold", HELP_SET_SDD_THRESHOLD, MPCLI_SetSensitiveDelayedThreshold, N},
-    {"sdd_recovery_time", HELP_SET_SDD_RECOVERY_TIME, MPCLI_SetSensitiveDelayedRecovery, N},
-});
+// Every row of the set table is a value setting so far.
+constexpr const auto& kSet = g_stCLISettingOptions;
 
 constexpr std::array kStart = std::to_array<MPCLI_Option>({
     {"diskdriverupdate", "", MPCLI_StartDiskDriverUpdate, N},

@@ -2,53 +2,20 @@
 // the operator sees for malformed input, so they are kept byte for byte.
 #include "cli/cli_token.h"
 
+#include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <cstring>
-#include <memory>
 
 #include "bounded/bounded.h"
 #include "cli/cli.h"
+#include "cli/cli_command.h"
+#include "mpi/mpi_number.h"
 #include "mpi/mpi_usr.h"
 
 namespace {
 
 constexpr size_t kMaxNumberLen = 9;  // keeps every accepted number below 2^31
-constexpr const char kBlanks[] = " \t";
-constexpr const char kDigits[] = "0123456789";
-
-struct FreeText {
-    void operator()(char* text) const { std::free(text); }
-};
-using HeapText = std::unique_ptr<char, FreeText>;
-
-// A private, writable copy of `text` for splitting; empty on allocation failure.
-HeapText copyToHeap(const char* text, size_t* size)
-{
-    *size = std::strlen(text) + 1;
-    HeapText copy(static_cast<char*>(MPCLI_ZMalloc(*size)));
-    if (copy && strcpy_s(copy.get(), *size, text) != EOK) {
-        copy.reset();
-    }
-    return copy;
-}
-
-// Where the digits of a number start: after leading blanks and one "+".
-const char* skipSign(const char* text)
-{
-    text += std::strspn(text, kBlanks);
-    return *text == '+' ? text + 1 : text;
-}
-
-// The value of a text that MPCLI_IsNum accepted.
-uint32_t numberValue(const char* text)
-{
-    uint32_t value = 0;
-    for (const char* digit = skipSign(text); *digit != '\0'; ++digit) {
-        value = value * 10 + static_cast<uint32_t>(*digit - '0');
-    }
-    return value;
-}
+constexpr std::string_view kBlanks = " \t";
 
 struct IdRange {
     uint32_t type;
@@ -75,6 +42,33 @@ const IdRange* findIdRange(uint32_t type)
 
 void printTooManyIds(uint32_t max) { MPCLI_Print("Error: You can't input more than %u ids\n", max); }
 
+int printLength(std::string_view text) { return static_cast<int>(text.size()); }
+
+// The non-empty pieces of a text between the characters of `delimiters`,
+// in order: `next` gives one piece after the other, false when none is left.
+class Pieces {
+public:
+    Pieces(std::string_view text, std::string_view delimiters) : m_text(text), m_delimiters(delimiters) {}
+    bool next(std::string_view* piece)
+    {
+        while (m_start < m_text.size()) {
+            const size_t end = std::min(m_text.find_first_of(m_delimiters, m_start), m_text.size());
+            const size_t start = m_start;
+            m_start = end + 1;
+            if (end > start) {
+                *piece = m_text.substr(start, end - start);
+                return true;
+            }
+        }
+        return false;
+    }
+
+private:
+    std::string_view m_text;
+    std::string_view m_delimiters;
+    size_t m_start = 0;
+};
+
 }  // namespace
 
 uint32_t MPCLI_GetStringFromEqual(const char* token, char* out, uint32_t index, size_t outSize)
@@ -87,34 +81,47 @@ uint32_t MPCLI_GetStringFromEqual(const char* token, char* out, uint32_t index, 
         UIL_TRACE_NULL("pcSource");
         return 0;
     }
-    size_t size = 0;
-    HeapText copy = copyToHeap(token, &size);
-    if (!copy) {
-        UIL_ERR("Allocate memory for \"%s\" fail", token);
-        return 0;
-    }
-    char* equal = std::strchr(copy.get(), '=');
-    if (equal == nullptr) {
+    const MPCLI_Word word = MPCLI_SplitWord(token);
+    if (!word.hasEqual) {
         UIL_ERR("Can't Find \"=\" in pcArgv");
         return 0;
     }
-    *equal = '\0';
-    const char* piece = copy.get();
+    std::string_view piece = word.key;
     if (index == 1) {
-        piece = equal + 1;
-        if (*piece == '\0' || std::strchr(piece, '=') != nullptr) {
+        if (!word.hasValue()) {
             UIL_ERR("Find \"=\" fail");
             return 0;
         }
+        piece = word.value;
     } else if (index != 0) {
         UIL_ERR("Invalid index {%u}", index);
         return 0;
     }
-    if (std::strlen(piece) >= outSize) {
+    if (piece.size() >= outSize) {
         UIL_ERR("Token exceed %d", static_cast<int>(outSize));
         return 0;
     }
-    return strcpy_s(out, outSize, piece) == EOK ? 1 : 0;
+    std::memcpy(out, piece.data(), piece.size());
+    out[piece.size()] = '\0';
+    return 1;
+}
+
+bool MPCLI_ReadNum(std::string_view text, uint32_t* value)
+{
+    if (text.empty() || text.size() > kMaxNumberLen || text.find('-') != std::string_view::npos) {
+        return false;
+    }
+    // Leading blanks and one "+" may open the number; no digit at all ("+")
+    // is 0.
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    if (!text.empty() && text.front() == '+') {
+        text.remove_prefix(1);
+    }
+    if (text.empty()) {
+        *value = 0;
+        return true;
+    }
+    return MPI_ToU32(text, value);
 }
 
 uint32_t MPCLI_IsNum(const char* text)
@@ -128,12 +135,8 @@ uint32_t MPCLI_IsNum(const char* text)
         UIL_ERR("Invalid parameter");
         return 0;
     }
-    if (std::strchr(text, '-') != nullptr) {
-        return 0;
-    }
-    // Nothing but digits may follow the sign; no digit at all ("+") is 0.
-    const char* digits = skipSign(text);
-    return digits[std::strspn(digits, kDigits)] == '\0' ? 1 : 0;
+    uint32_t value = 0;
+    return MPCLI_ReadNum(text, &value) ? 1 : 0;
 }
 
 uint32_t MPCLI_ValueCheckByType(int32_t value, uint32_t type)
@@ -146,45 +149,32 @@ uint32_t MPCLI_ValueCheckByType(int32_t value, uint32_t type)
     return 0;
 }
 
-uint32_t MPCLI_GetEqualDigitalValues(const char* token, const char* key, uint32_t* ids, uint32_t max,
-                                     uint32_t* count, uint32_t type)
+uint32_t MPCLI_ReadIdList(const MPCLI_Word& word, std::string_view key, uint32_t* ids, uint32_t max,
+                          uint32_t* count, uint32_t type)
 {
-    CLI_ASSERT(token != nullptr);
-    CLI_ASSERT(key != nullptr);
     CLI_ASSERT(ids != nullptr);
     CLI_ASSERT(count != nullptr);
-
-    size_t size = 0;
-    HeapText copy = copyToHeap(token, &size);
-    if (!copy) {
-        UIL_ERR("Allocate memory for \"%s\" fail", token);
+    if (word.key.empty() || word.key != key) {
+        MPCLI_Print("Error: Invalid input --- %.*s!\n", printLength(word.key), word.key.data());
         return 0;
     }
-    // The key is the text before the first "="; a token without one is all key.
-    char* list = copy.get() + std::strcspn(copy.get(), "=");
-    if (*list == '=') {
-        *list++ = '\0';
-    }
-    const char* given = copy.get();
-    if (*given == '\0' || std::strcmp(given, key) != 0) {
-        MPCLI_Print("Error: Invalid input --- %s!\n", given);
-        return 0;
-    }
-
     uint32_t stored = 0;
-    char* context = nullptr;
-    for (char* piece = strtok_s(list, ",", &context); piece != nullptr; piece = strtok_s(nullptr, ",", &context)) {
+    Pieces pieces(word.value, ",");
+    for (std::string_view piece; pieces.next(&piece);) {
         if (stored >= max) {
             printTooManyIds(max);
             return 0;
         }
-        if (MPCLI_IsNum(piece) == 0) {
-            MPCLI_Print("Error: Invalid input --- %s\n", piece);
+        uint32_t value = 0;
+        if (!MPCLI_ReadNum(piece, &value)) {
+            if (piece.size() > kMaxNumberLen) {
+                UIL_ERR("Invalid parameter");
+            }
+            MPCLI_Print("Error: Invalid input --- %.*s\n", printLength(piece), piece.data());
             return 0;
         }
-        const uint32_t value = numberValue(piece);
         if (MPCLI_ValueCheckByType(static_cast<int32_t>(value), type) == 0) {
-            MPCLI_Print("Error: %s is out of range\n", piece);
+            MPCLI_Print("Error: %.*s is out of range\n", printLength(piece), piece.data());
             return 0;
         }
         // The caller's array holds MPCLI_MAX_IDS IDs, even when it asks for more.
@@ -198,6 +188,14 @@ uint32_t MPCLI_GetEqualDigitalValues(const char* token, const char* key, uint32_
     return 1;
 }
 
+uint32_t MPCLI_GetEqualDigitalValues(const char* token, const char* key, uint32_t* ids, uint32_t max,
+                                     uint32_t* count, uint32_t type)
+{
+    CLI_ASSERT(token != nullptr);
+    CLI_ASSERT(key != nullptr);
+    return MPCLI_ReadIdList(MPCLI_SplitWord(token), key, ids, max, count, type);
+}
+
 uint32_t MPCLI_StringSplit(const char* text, const char* delimiter, uint32_t* ids, uint32_t max, uint32_t* count)
 {
     CLI_ASSERT(text != nullptr);
@@ -205,25 +203,18 @@ uint32_t MPCLI_StringSplit(const char* text, const char* delimiter, uint32_t* id
     CLI_ASSERT(ids != nullptr);
     CLI_ASSERT(count != nullptr);
 
-    size_t size = 0;
-    HeapText copy = copyToHeap(text, &size);
-    if (!copy) {
-        UIL_ERR("alloc memory size{%u} failed", static_cast<uint32_t>(size));
-        return 0;
-    }
     uint32_t stored = 0;
-    char* context = nullptr;
-    for (char* piece = strtok_s(copy.get(), delimiter, &context); piece != nullptr;
-         piece = strtok_s(nullptr, delimiter, &context)) {
+    Pieces pieces(text, delimiter);
+    for (std::string_view piece; pieces.next(&piece);) {
         if (stored >= max) {
             UIL_ERR("exceed max num %d->%d}", static_cast<int>(max), static_cast<int>(stored + 1));
             return 0;
         }
-        if (MPCLI_IsNum(piece) == 0) {
-            UIL_ERR("%s contain non-numeric", piece);
+        if (!MPCLI_ReadNum(piece, &ids[stored])) {
+            UIL_ERR("%.*s contain non-numeric", printLength(piece), piece.data());
             return 0;
         }
-        ids[stored++] = numberValue(piece);
+        ++stored;
     }
     *count = stored;
     return 1;

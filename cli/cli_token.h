@@ -4,6 +4,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
+
+struct MPCLI_Word;
 
 // Object types whose IDs are range-checked.
 enum MPCLI_IdType : uint32_t {
@@ -28,6 +31,10 @@ uint32_t MPCLI_GetStringFromEqual(const char* token, char* out, uint32_t index, 
 // (value 0) counts as a number. Else 0.
 uint32_t MPCLI_IsNum(const char* text);
 
+// The value of a text that MPCLI_IsNum accepts (without its trace lines):
+// true and the value, or false.
+bool MPCLI_ReadNum(std::string_view text, uint32_t* value);
+
 // 1 when `value` lies in the ID range of `type` (0..16383 for arrays, VLUNs,
 // disks and paths; 0..15 for port groups; any other type passes), else 0
 // with a trace line. Prints nothing.
@@ -39,6 +46,10 @@ uint32_t MPCLI_ValueCheckByType(int32_t value, uint32_t type);
 // the error and returns 0.
 uint32_t MPCLI_GetEqualDigitalValues(const char* token, const char* key, uint32_t* ids, uint32_t max,
                                      uint32_t* count, uint32_t type);
+
+// The same for a word already split: the whole list reading and its errors.
+uint32_t MPCLI_ReadIdList(const MPCLI_Word& word, std::string_view key, uint32_t* ids, uint32_t max,
+                          uint32_t* count, uint32_t type);
 
 // Splits `text` at any of the characters of `delimiter` into at most `max`
 // numbers. Returns 1 and the count, or 0 (traced, nothing printed).

@@ -2,17 +2,19 @@
 // by VLUN type, and the detail of chosen VLUNs; and the capacity text.
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "bounded/bounded.h"
 #include "cli/cli.h"
+#include "cli/cli_capacity.h"
+#include "cli/cli_command.h"
 #include "cli/cli_objects.h"
 #include "cli/cli_print.h"
 #include "cli/cli_token.h"
 #include "uil/uil_cfg.h"
+#include "mpi/mpi_scope.h"
 
 namespace {
 
@@ -35,14 +37,6 @@ uint8_t printUsage()
 }
 
 // ---------------------------------------------------------------------------
-// Capacity.
-
-constexpr std::array<const char*, 6> kCapacityUnits = {"B", "KB", "MB", "GB", "TB", "PB"};
-constexpr uint32_t kUnitKb = 1;
-constexpr uint32_t kLastUnit = kCapacityUnits.size() - 1;
-constexpr double kUnitStep = 1024.0;
-
-// ---------------------------------------------------------------------------
 // Words of the command.
 
 struct VLunTypeWord {
@@ -56,28 +50,17 @@ constexpr std::array kVLunTypeWords = std::to_array<VLunTypeWord>({
     {"pe", UIL_VLUN_TYPE_PE},
 });
 
-// The key of a key=value word ("" for a word without "=").
-std::string wordKey(const char* word)
-{
-    char key[kWordLen + 1] = {};
-    if (std::strchr(word, '=') == nullptr || MPCLI_GetStringFromEqual(word, key, 0, sizeof(key)) != 1) {
-        return {};
-    }
-    return key;
-}
-
-bool isTypeWord(const char* word) { return wordKey(word) == "type"; }
+bool isTypeWord(const MPCLI_Word& word) { return word.hasEqual && word.key == "type"; }
 
 // The type filter of a "type=..." word; UIL_VLUN_TYPE_INVALID for any
 // other value.
-uint8_t typeFromWord(const char* word)
+uint8_t typeFromWord(const MPCLI_Word& word)
 {
-    char value[kWordLen + 1] = {};
-    if (MPCLI_GetStringFromEqual(word, value, 1, sizeof(value)) != 1) {
+    if (!word.hasValue() || word.value.size() > kWordLen) {
         return UIL_VLUN_TYPE_INVALID;
     }
     for (const VLunTypeWord& row : kVLunTypeWords) {
-        if (std::strcmp(value, row.keyword) == 0) {
+        if (word.value == row.keyword) {
             return row.type;
         }
     }
@@ -85,7 +68,7 @@ uint8_t typeFromWord(const char* word)
 }
 
 // Words that may follow the first selector of the command.
-bool MPCLI_CheckShowVLunPara(const char* word) { return std::strcmp(word, kVerbose) == 0 || isTypeWord(word); }
+bool MPCLI_CheckShowVLunPara(const MPCLI_Word& word) { return word.is(kVerbose) || isTypeWord(word); }
 
 // The filter a VLUN must pass: ordinary VLUNs unless a type word says
 // otherwise.
@@ -101,7 +84,7 @@ struct VLunFilter {
 
 // Reads a type word into `filter`; false when the value is not a type or a
 // second type word is given.
-bool takeTypeWord(const char* word, VLunFilter* filter)
+bool takeTypeWord(const MPCLI_Word& word, VLunFilter* filter)
 {
     if (filter->given) {
         return false;
@@ -215,6 +198,7 @@ ListOutcome showVLunsOfArray(uint32_t arrayId, const VLunFilter& filter, UilCont
         UIL_ERR("Enumerate vlun info of array {%u} fail. ret {%u}", arrayId, ret);
         return ListOutcome::kFailed;
     }
+    const MPI_Ended<INTF_UIL_EnumerateVLunEnd> owner(&list);
     std::vector<const VLunInfo*> kept;
     for (const MPI_ListNode* node = list.next; node != &list; node = node->next) {
         const VLunInfo* v = MPCLI_ListRecord<VLunInfo>(node);
@@ -225,7 +209,6 @@ ListOutcome showVLunsOfArray(uint32_t arrayId, const VLunFilter& filter, UilCont
     if (!kept.empty()) {
         MPCLI_PrintVLunList(arrayId, kept, namer);
     }
-    INTF_UIL_EnumerateVLunEnd(&list);
     return kept.empty() ? ListOutcome::kEmpty : ListOutcome::kPrinted;
 }
 
@@ -268,21 +251,20 @@ uint8_t showVLunsOfAllArrays(const VLunFilter& filter)
 }
 
 // show vlun [array_id=<ID1,...>] [type=<...>]
-uint8_t MPCLI_ShowVLunByArrayId(uint32_t argc, char** argv)
+uint8_t MPCLI_ShowVLunByArrayId(const MPCLI_Command& command)
 {
-    if (argc > kMaxListWords) {
+    if (command.size() > kMaxListWords) {
         return printUsage();
     }
     VLunFilter filter;
-    const char* arrayWord = nullptr;
-    for (uint32_t i = 1; i < argc; ++i) {
-        const std::string key = wordKey(argv[i]);
-        if (key == "type") {
-            if (!takeTypeWord(argv[i], &filter)) {
+    const MPCLI_Word* arrayWord = nullptr;
+    for (const MPCLI_Word& word : command.args()) {
+        if (isTypeWord(word)) {
+            if (!takeTypeWord(word, &filter)) {
                 return printUsage();
             }
-        } else if (key == "array_id" && arrayWord == nullptr) {
-            arrayWord = argv[i];
+        } else if (word.hasEqual && word.key == "array_id" && arrayWord == nullptr) {
+            arrayWord = &word;
         } else {
             return printUsage();
         }
@@ -292,8 +274,7 @@ uint8_t MPCLI_ShowVLunByArrayId(uint32_t argc, char** argv)
     }
     uint32_t ids[MPCLI_MAX_IDS] = {};
     uint32_t count = 0;
-    if (MPCLI_GetEqualDigitalValues(arrayWord, "array_id", ids, MPCLI_MAX_IDS, &count, MPCLI_ID_ARRAY) != 1 ||
-        count == 0) {
+    if (MPCLI_ReadIdList(*arrayWord, "array_id", ids, MPCLI_MAX_IDS, &count, MPCLI_ID_ARRAY) != 1 || count == 0) {
         return printUsage();
     }
     return showVLunsOfNamedArrays(ids, count, filter);
@@ -380,10 +361,11 @@ bool MPCLI_ShowDiskById(const VLunInfo& v, bool verbose)
 {
     const uint32_t diskId = v.memberDiskId[0];
     DiskInfo disk;
+    // What the Start call filled is released whatever it answered.
+    const MPI_Ended<INTF_UIL_GetDiskDetailInfoEnd> owner(&disk);
     const uint32_t ret = INTF_UIL_GetDiskDetailInfoStart(diskId, &disk);
     if (ret != MPI_RET_SUCCESS) {
         UIL_ERR("Get disk {%u} detail info fail. ret {%u}", diskId, ret);
-        INTF_UIL_GetDiskDetailInfoEnd(&disk);
         MPCLI_Print("The disk whose ID is %u does not exist.\n", diskId);
         return false;
     }
@@ -392,14 +374,12 @@ bool MPCLI_ShowDiskById(const VLunInfo& v, bool verbose)
         const uint32_t cfgRet = INTF_UIL_GetFullConfig(disk.lunWwn, disk.arraySn, &config);
         if (cfgRet != MPI_RET_SUCCESS) {
             UIL_ERR("Get config of vlun {%u} failed. ret {%u}", v.vlunId, cfgRet);
-            INTF_UIL_GetDiskDetailInfoEnd(&disk);
             MPCLI_PrintDash(kDetailWidth);
             MPCLI_Print("Get config information failed.\n");
             return false;
         }
     }
     MPCLI_PrintDiskDetailInfo(v, disk, verbose ? &config : nullptr);
-    INTF_UIL_GetDiskDetailInfoEnd(&disk);
     return true;
 }
 
@@ -427,38 +407,32 @@ bool isAggregated(const VLunInfo& v) { return v.type == UIL_VLUN_TYPE_DUALSITE |
 bool MPCLI_ShowVLunByVlunType(uint32_t vlunId, const VLunFilter& filter, bool verbose)
 {
     VLunInfo v;
+    const MPI_Ended<INTF_UIL_GetVLunInfoEnd> owner(&v);
     if (INTF_UIL_GetVLunInfoStart(vlunId, &v) != MPI_RET_SUCCESS) {
-        INTF_UIL_GetVLunInfoEnd(&v);
         MPCLI_Print("The VLUN whose ID is %u does not exist.\n", vlunId);
         MPCLI_PrintDash(kDetailWidth);
         return false;
     }
-    bool shown = false;
     if (filter.given && !filter.keeps(v)) {
-        shown = MPCLI_PrintTypeMissMatch(v, filter);
-    } else if (isAggregated(v)) {
-        shown = showAggregatedVLun(v);
-    } else {
-        shown = MPCLI_ShowDiskById(v, verbose);
+        return MPCLI_PrintTypeMissMatch(v, filter);
     }
-    INTF_UIL_GetVLunInfoEnd(&v);
-    return shown;
+    return isAggregated(v) ? showAggregatedVLun(v) : MPCLI_ShowDiskById(v, verbose);
 }
 
 // show vlun id=<ID1,...> [type=<...>] [verbose]
-uint8_t MPCLI_ShowVLunById(uint32_t argc, char** argv)
+uint8_t MPCLI_ShowVLunById(const MPCLI_Command& command)
 {
     uint32_t ids[MPCLI_MAX_IDS] = {};
     uint32_t count = 0;
-    if (MPCLI_GetEqualDigitalValues(argv[1], "id", ids, MPCLI_MAX_IDS, &count, MPCLI_ID_VLUN) != 1 || count == 0) {
+    if (MPCLI_ReadIdList(command[1], "id", ids, MPCLI_MAX_IDS, &count, MPCLI_ID_VLUN) != 1 || count == 0) {
         return printUsage();
     }
     VLunFilter filter;
     bool verbose = false;
-    for (uint32_t i = 2; i < argc; ++i) {
-        if (std::strcmp(argv[i], kVerbose) == 0 && !verbose) {
+    for (const MPCLI_Word& word : command.args().subspan(1)) {
+        if (word.is(kVerbose) && !verbose) {
             verbose = true;
-        } else if (!isTypeWord(argv[i]) || !takeTypeWord(argv[i], &filter)) {
+        } else if (!isTypeWord(word) || !takeTypeWord(word, &filter)) {
             return printUsage();
         }
     }
@@ -473,38 +447,6 @@ uint8_t MPCLI_ShowVLunById(uint32_t argc, char** argv)
 
 }  // namespace
 
-bool MPCLI_CanUpConvertCapacity(double value)
-{
-    const double next = value / kUnitStep;
-    if (next < 1.0) {
-        return false;
-    }
-    // At most two decimals, exactly: nothing left below the hundredths.
-    const double hundredths = next * 100.0;
-    const double below = hundredths - std::floor(hundredths);
-    return static_cast<uint64_t>(below * 10000.0) == 0;
-}
-
-void MPCLI_UpConvertCapacity(uint32_t* unitIndex, double* value)
-{
-    CLI_ASSERT(unitIndex != nullptr);
-    CLI_ASSERT(value != nullptr);
-    *value /= kUnitStep;
-    ++*unitIndex;
-}
-
-void MPCLI_PrintCapacity(char* out, size_t outSize, uint64_t bytes)
-{
-    CLI_ASSERT(out != nullptr);
-    CLI_ASSERT(outSize > 0);
-    uint32_t unit = kUnitKb;
-    double value = static_cast<double>(bytes / 1024);
-    while (unit < kLastUnit && MPCLI_CanUpConvertCapacity(value)) {
-        MPCLI_UpConvertCapacity(&unit, &value);
-    }
-    (void)snprintf_s(out, outSize, outSize - 1, "%.2f%s", value, kCapacityUnits[unit]);
-}
-
 uint8_t MPCLI_ShowVLun(uint32_t argc, char** argv)
 {
     if (argc == 0 || argv == nullptr || argv[0] == nullptr) {
@@ -512,17 +454,19 @@ uint8_t MPCLI_ShowVLun(uint32_t argc, char** argv)
         MPCLI_CVMUsage();
         return MPCLI_RESULT_FAIL;
     }
-    if (argc == 1) {
-        return MPCLI_ShowVLunByArrayId(argc, argv);
+    const MPCLI_Command command(argc, argv);
+    if (command.size() == 1) {
+        return MPCLI_ShowVLunByArrayId(command);
     }
-    const std::string key = wordKey(argv[1]);
+    const MPCLI_Word& first = command[1];
+    const std::string_view key = first.hasEqual ? first.key : std::string_view();
     if (key != "id" && key != "array_id" && key != "type") {
         return printUsage();
     }
-    for (uint32_t i = 2; i < argc; ++i) {
-        if (!MPCLI_CheckShowVLunPara(argv[i])) {
+    for (const MPCLI_Word& word : command.args().subspan(1)) {
+        if (!MPCLI_CheckShowVLunPara(word)) {
             return printUsage();
         }
     }
-    return key == "id" ? MPCLI_ShowVLunById(argc, argv) : MPCLI_ShowVLunByArrayId(argc, argv);
+    return key == "id" ? MPCLI_ShowVLunById(command) : MPCLI_ShowVLunByArrayId(command);
 }

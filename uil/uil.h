@@ -10,6 +10,9 @@
 // Start-up and shut-down.
 uint32_t INTF_UIL_Init();
 void INTF_UIL_Fini();
+// Closes the device node and nothing else: safe in a signal handler that is
+// about to end the process.
+void INTF_UIL_ReleaseDevice();
 void INTF_UIL_CliBegin();
 void INTF_UIL_CliEnd();
 uint32_t INTF_UIL_CheckUpgradeThread();

@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include "uia/uia.h"
 #include "uil/uil.h"
 #include "uil/uil_cfg.h"
@@ -20,6 +22,13 @@ void INTF_UIL_Fini()
     INTF_UIA_Fini();
     UIL_CfgFini();
     UIL_LogFini();
+}
+
+void INTF_UIL_ReleaseDevice()
+{
+    if (g_uiUIAIoctlFd >= 0) {
+        (void)close(g_uiUIAIoctlFd);
+    }
 }
 
 void INTF_UIL_CliBegin() { INTF_UIA_CliBegin(); }

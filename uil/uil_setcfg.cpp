@@ -2,10 +2,12 @@
 // setters and the operation-log record they fill.
 #include "uil/uil_setcfg.h"
 
-#include <cstdlib>
+#include <algorithm>
 #include <cstring>
+#include <string_view>
 
 #include "bounded/bounded.h"
+#include "mpi/mpi_number.h"
 #include "uil/uil_objects.h"
 
 namespace {
@@ -15,20 +17,29 @@ constexpr const char kCliSource[] = "CLI";
 // An object ID as typed: decimal digits only, at most INT32_MAX.
 bool parseObjectId(const char* text, uint32_t* id)
 {
-    if (text == nullptr || text[0] == '\0') {
+    return text != nullptr && MPI_ParseU32(text, 0, INT32_MAX, id) == MPI_Num::Ok;
+}
+
+// An ID as atoi would read it for the log record: blanks, a sign, then the
+// digits it opens with (none read 0). False for a negative ID or one past
+// INT32_MAX: the record does not take those.
+bool atoiLikeId(const char* text, uint32_t* id)
+{
+    std::string_view rest(text);
+    rest.remove_prefix(std::min(rest.find_first_not_of(" \t\n\v\f\r"), rest.size()));
+    const bool negative = !rest.empty() && rest.front() == '-';
+    if (!rest.empty() && (rest.front() == '-' || rest.front() == '+')) {
+        rest.remove_prefix(1);
+    }
+    const std::string_view digits = rest.substr(0, std::min(rest.find_first_not_of("0123456789"), rest.size()));
+    uint32_t value = 0;
+    if (!digits.empty() && MPI_ParseU32(digits, 0, INT32_MAX, &value) != MPI_Num::Ok) {
         return false;
     }
-    uint64_t v = 0;
-    for (const char* p = text; *p != '\0'; ++p) {
-        if (*p < '0' || *p > '9') {
-            return false;
-        }
-        v = v * 10 + static_cast<uint64_t>(*p - '0');
-        if (v > INT32_MAX) {
-            return false;
-        }
+    if (negative && value != 0) {
+        return false;
     }
-    *id = static_cast<uint32_t>(v);
+    *id = value;
     return true;
 }
 
@@ -171,14 +182,14 @@ void UIL_TransOperLogPara(const char* key, const char* id, const char* value, Ui
     UIL_ASSERT(id != NULL);
     UIL_ASSERT(value != NULL);
     UIL_ASSERT(record != NULL);
-    int objectId = std::atoi(id);
-    if (objectId < 0) {
+    uint32_t objectId = 0;
+    if (!atoiLikeId(id, &objectId)) {
         return;
     }
     record->uiObjType = startsWith(key, UIL_KEY_ARRAY) ? MPI_OBJ_ARRAY
                         : startsWith(key, UIL_KEY_VLUN) ? MPI_OBJ_LUN
                                                         : MPI_OBJ_COMMON;
-    record->uiObjId = static_cast<uint32_t>(objectId);
+    record->uiObjId = objectId;
     record->uiReserved = 0;
     (void)strncpy_s(record->szValue, sizeof(record->szValue), value, sizeof(record->szValue) - 1);
 }
@@ -468,10 +479,10 @@ uint32_t INTF_UIL_GetIoLatencyThreshold(char* buffer, uint32_t size, int32_t* va
 {
     UIL_ASSERT(buffer != NULL);
     UIL_ASSERT(value != NULL);
+    const UilCfgItemDef* item = UIL_CfgGetItemDef(UIL_ITEM_IO_LATENCY_THRESHOLD, UIL_CFG_SECTION_COMMON);
+    UIL_ASSERT(item != NULL);
     uint32_t ret = UIL_GetCommonConfig(UIL_ITEM_IO_LATENCY_THRESHOLD, buffer, size, true);
     if (ret == UIL_RET_CFG_NOT_FOUND) {
-        const UilCfgItemDef* item = UIL_CfgGetItemDef(UIL_ITEM_IO_LATENCY_THRESHOLD, UIL_CFG_SECTION_COMMON);
-        UIL_ASSERT(item != NULL);
         UIL_TRACE(MPI_LOG_INFO, "%s is not in the configuration, default %s is in force",
                   UIL_ITEM_IO_LATENCY_THRESHOLD, item->pszDefault);
         ret = strcpy_s(buffer, size, item->pszDefault) == EOK ? MPI_RET_SUCCESS : MPI_RET_BUFFER_SMALL;
@@ -480,6 +491,12 @@ uint32_t INTF_UIL_GetIoLatencyThreshold(char* buffer, uint32_t size, int32_t* va
         UIL_ERR("Query Io Latency Threshold  fail");
         return ret;
     }
-    *value = std::atoi(buffer);
+    // A value read back is held to the rules of a value typed in.
+    uint32_t threshold = 0;
+    if (MPI_ParseU32(buffer, item->uiMin, item->uiMax, &threshold) != MPI_Num::Ok) {
+        UIL_ERR("The stored %s {%s} is not a valid value", UIL_ITEM_IO_LATENCY_THRESHOLD, buffer);
+        return UIL_RET_CFG_INVALID_ITEM;
+    }
+    *value = static_cast<int32_t>(threshold);
     return MPI_RET_SUCCESS;
 }

@@ -68,7 +68,8 @@ three words here, not five:
   
   Corvane CLI #2 >[0]
 
-End of input ends the session like quit:
+End of input ends the session like quit; a last line without its newline
+is run first:
 
   $ printf 'show version\n' | cv; echo "[$?]"
   
@@ -79,7 +80,10 @@ End of input ends the session like quit:
   [0]
   $ printf 'show version' | cv; echo "[$?]"
   
-  Corvane CLI #0 >
+  Corvane CLI #0 >Software Version   : 21.01.025
+  Driver   Version   : 21.01.030
+  
+  Corvane CLI #1 >
   [0]
 
 Ctrl-C at the prompt prints a newline and ends the process with status 0:

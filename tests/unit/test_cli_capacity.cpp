@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "cli/cli_objects.h"
+#include "cli/cli_capacity.h"
 
 namespace {
 

@@ -108,6 +108,11 @@ TEST(OperLogRecord, FillRules)
         {"vlun_id", "abc", "5", true, 102, 0, "5"},
         {"array_id", "-1", "1", false, 0, 0, ""},
         {"vlun_id", "-20", "1", false, 0, 0, ""},
+        {"vlun_id", " +9x", "1", true, 102, 9, "1"},
+        {"vlun_id", "-0", "1", true, 102, 0, "1"},
+        {"vlun_id", "2147483647", "1", true, 102, 2147483647, "1"},
+        {"vlun_id", "2147483648", "1", false, 0, 0, ""},     // past what atoi holds: not wrapped
+        {"vlun_id", "4294967301", "1", false, 0, 0, ""},
         {"", "", longValue.c_str(), true, 100, 0, nullptr},
     };
     for (const RecordCase& c : cases) {

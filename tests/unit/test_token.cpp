@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/cli_command.h"
 #include "cli/cli_print.h"
 #include "cli/cli_token.h"
 #include "mpi/mpi_usr.h"
@@ -84,6 +85,68 @@ TEST(Token, IsNumAcceptsOnlyShortUnsignedDecimals)
         EXPECT_EQ(seen.printed, "");
         expectTraced(seen, c.trace);
     }
+}
+
+TEST(Token, ReadNumGivesTheValueOfWhatIsNumAccepts)
+{
+    const struct {
+        const char* text;
+        bool read;
+        uint32_t value;
+    } cases[] = {
+        {"0", true, 0},           {"16383", true, 16383}, {"999999999", true, 999999999}, {"000000042", true, 42},
+        {"+", true, 0},           {" +7", true, 7},       {"  ", true, 0},               {"1234567890", false, 0},
+        {"-0", false, 0},         {"7 ", false, 0},       {"0x1F", false, 0},            {"", false, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        uint32_t value = 0xDEAD;
+        EXPECT_EQ(MPCLI_ReadNum(c.text, &value), c.read);
+        EXPECT_EQ(MPCLI_IsNum(c.text), c.read ? 1u : 0u);
+        if (c.read) {
+            EXPECT_EQ(value, c.value);
+        }
+    }
+}
+
+TEST(Words, EachWordIsSplitOnceAtItsFirstEqualSign)
+{
+    char w0[] = "vlun";
+    char w1[] = "id=1,2";
+    char w2[] = "type=";
+    char w3[] = "verbose";
+    char w4[] = "a=b=c";
+    char* argv[] = {w0, w1, w2, w3, w4, nullptr};
+    const MPCLI_Command command(5, argv);
+    ASSERT_EQ(command.size(), 5u);
+    ASSERT_EQ(command.args().size(), 4u);
+    const struct {
+        const char* key;
+        const char* value;
+        bool hasEqual;
+        bool hasValue;
+    } expected[] = {
+        {"vlun", "", false, false},
+        {"id", "1,2", true, true},
+        {"type", "", true, false},
+        {"verbose", "", false, false},
+        {"a", "b=c", true, false},  // a second "=" leaves no usable value
+    };
+    for (uint32_t i = 0; i < command.size(); ++i) {
+        SCOPED_TRACE(argv[i]);
+        EXPECT_EQ(command[i].key, expected[i].key);
+        EXPECT_EQ(command[i].value, expected[i].value);
+        EXPECT_EQ(command[i].hasEqual, expected[i].hasEqual);
+        EXPECT_EQ(command[i].hasValue(), expected[i].hasValue);
+        EXPECT_EQ(command[i].raw, argv[i]);
+        // Views into the words themselves, not copies.
+        EXPECT_EQ(command[i].raw.data(), argv[i]);
+    }
+    EXPECT_TRUE(command.keysIn({"id", "type", "verbose", "a"}));
+    EXPECT_FALSE(command.keysIn({"id", "type"}));
+    const MPCLI_Command none(0, nullptr);
+    EXPECT_EQ(none.size(), 1u) << "a handler always has its keyword word";
+    EXPECT_TRUE(none.args().empty());
 }
 
 TEST(Token, ValueCheckBoundariesPerTypeAndTheirTraceLines)
@@ -190,6 +253,8 @@ TEST(IdList, EqualDigitalValuesParsesTheListOrPrintsWhyNot)
         {"tpg_id=0,15", "tpg_id", 8, MPCLI_ID_TPG, 1, {0, 15}, ""},
         {"vlun_id=1234567890", "vlun_id", 8, MPCLI_ID_VLUN, 0, {}, "Error: Invalid input --- 1234567890\n"},
         {"vlun_id=1=2", "vlun_id", 8, MPCLI_ID_VLUN, 0, {}, "Error: Invalid input --- 1=2\n"},
+        {"vlun_id=,1,,2,", "vlun_id", 8, MPCLI_ID_VLUN, 1, {1, 2}, ""},  // empty pieces are skipped
+        {"vlun_id=999999999", "vlun_id", 8, MPCLI_ID_VLUN, 0, {}, "Error: 999999999 is out of range\n"},
         {nine, "vlun_id", 8, MPCLI_ID_VLUN, 0, {}, "Error: You can't input more than 8 ids\n"},
         // Never more than 8 IDs, whatever the caller asks for.
         {nine, "vlun_id", 16, MPCLI_ID_VLUN, 0, {}, "Error: You can't input more than 16 ids\n"},

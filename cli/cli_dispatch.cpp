@@ -1,0 +1,48 @@
+// Table-driven dispatch: a keyword to the handler of its row.
+#include <cstring>
+
+#include "cli/cli.h"
+#include "mpi/mpi_usr.h"
+
+uint8_t MPCLI_ExecuteParameter(const char* keyword, uint32_t argc, char** argv, uint32_t rows,
+                               const MPCLI_Option* table)
+{
+    if (keyword == nullptr) {
+        UIL_TRACE_NULL("pcOption");
+        return MPCLI_RESULT_FAIL;
+    }
+    if (table == nullptr) {
+        UIL_TRACE_NULL("pOptionStruc");
+        return MPCLI_RESULT_FAIL;
+    }
+    if (argv == nullptr) {
+        return MPCLI_UsageError("Error: Need more option\n");
+    }
+    for (uint32_t i = 0; i < rows; ++i) {
+        const MPCLI_Option& row = table[i];
+        if (std::strcmp(keyword, row.keyword) != 0) {
+            continue;
+        }
+        if (g_bCLIDebugCmdOn == 0 && row.flag != MPCLI_FLAG_NORMAL) {
+            return MPCLI_UsageError("Error: not allowed input\n");
+        }
+        uint8_t judged = MPCLI_JudgeEnvironment(&row);
+        return judged == 1 ? row.handler(argc, argv) : judged;
+    }
+    return MPCLI_UsageError("Error: Input Option is not supported.\n");
+}
+
+uint8_t MPCLI_Dispatch(const char* keyword, uint32_t argc, char** argv, MPCLI_Table table)
+{
+    // An empty table has no storage of its own; any non-null pointer will do.
+    static const MPCLI_Option s_none{"", "", nullptr, 0};
+    const MPCLI_Option* rows = table.empty() ? &s_none : table.data();
+    return MPCLI_ExecuteParameter(keyword, argc, argv, static_cast<uint32_t>(table.size()), rows);
+}
+
+uint8_t MPCLI_JudgeEnvironment(const MPCLI_Option* row)
+{
+    CLI_ASSERT(row != NULL);
+    return 1;
+}
+

@@ -1,0 +1,108 @@
+// The full usage text the shell prints after a routing error.
+#include <array>
+
+#include "cli/cli.h"
+#include "cli/cli_helptext.h"
+
+namespace {
+
+constexpr char kUsageHead[] = "Usage: [OPTION]\n";
+
+// The usage text in the order operators know it: general commands, show,
+// the supported-array rules, migration, the general setters, the degrade
+// and special setters, stop, then the remaining commands.
+constexpr auto kUsage = std::to_array<const char*>({
+    HELP_HELP,
+    HELP_QUESTION,
+    HELP_QUIT,
+
+    HELP_SHOW_VERSION,
+    HELP_SHOW_ARRAY,
+    HELP_SHOW_PATH,
+    HELP_SHOW_VLUN,
+    HELP_SHOW_IOSTAT,
+    HELP_SHOW_SUPPORTARRAYLIST,
+    HELP_SHOW_CVCONFIG,
+    HELP_SHOW_EVENT,
+    HELP_SHOW_ALARMENABLE,
+    HELP_SHOW_PATH_RELIABILITY_ENABLE,
+    HELP_SHOW_WORKERSTATE,
+    HELP_SHOW_IO_COUNT,
+    HELP_SHOW_IO_LATENCY,
+    HELP_SHOW_IO_LATENCY_THRESHOLD,
+
+    HELP_ADD_SUPPORTARRAYLIST,
+    HELP_DEL_SUPPORTARRAYLIST,
+    HELP_START_MIGRATION,
+
+    HELP_SET_PHYPATHNORMAL,
+    HELP_SET_WORKINGMODE,
+    HELP_SET_LOADBALANCEMODE,
+    HELP_SET_LUNTRESPASS,
+    HELP_SET_FAILBACKDELAYTIME,
+    HELP_SET_PATHSTATE,
+    HELP_SET_TPGSTATE,
+    HELP_SET_IOSUSPENSIONTIME,
+    HELP_SET_IORETRY,
+    HELP_SET_LB_IO_THRESHOLD,
+    HELP_SET_MAX_IO_RETRY_TIMEOUT,
+    HELP_SET_IO_LATENCY_THRESHOLD,
+    HELP_SET_FAULTY_PATH_CHECK_INTERVAL,
+    HELP_SET_IDLE_PATH_CHECK_INTERVAL,
+    USAGE_SET_STOP_IOSUSPENSION,
+    HELP_SET_ALARMENABLE,
+    HELP_SET_PATH_RELIABILITY_ENABLE,
+
+    HELP_SET_HLD_TIME,
+    HELP_SET_HLD_THRESHOLD,
+    HELP_SET_HLD_RECOVERY_TIME,
+    HELP_SET_TOD_TIME,
+    HELP_SET_TOD_THRESHOLD,
+    HELP_SET_TOD_RECOVERY_TIME,
+    HELP_SET_IED_TIME,
+    HELP_SET_IED_MIN_IO,
+    HELP_SET_IED_THRESHOLD,
+    HELP_SET_IED_RECOVERY_TIME,
+    HELP_SET_IFD_TIME,
+    HELP_SET_IFD_THRESHOLD,
+    HELP_SET_IFD_RECOVERY_TIME,
+    HELP_SET_SDD_THRESHOLD,
+    HELP_SET_SDD_RECOVERY_TIME,
+    HELP_SET_REMOTE_CONTROLLER,
+    HELP_SET_PERFORMANCE_RECORD,
+    USAGE_SET_DUALSITE_WORKINGMODE,
+
+    HELP_STOP_IOSUSPENSION,
+
+    USAGE_SET_DUALSITE_SPLIT_SIZE,
+    HELP_START_PATHCHECK,
+    HELP_START_REBALANCELUN,
+    HELP_START_IOSUSPENSION,
+    HELP_CLEAR_CVCONFIG,
+    HELP_CLEAR_OBSOLETE_PATH,
+    HELP_CLEAR_IO_COUNT,
+    HELP_CHECK_STATUS,
+    HELP_GENPRKEY,
+    HELP_CLEAR_PATH_STATISTIC,
+});
+
+}  // namespace
+
+void MPCLI_CVMUsage()
+{
+    if (g_bCLIDebugCmdOn != 0) {
+        return;
+    }
+    MPCLI_Print("%s", kUsageHead);
+    for (const char* block : kUsage) {
+        MPCLI_Print("%s", block);
+    }
+    MPCLI_Print("\n");
+}
+
+uint8_t MPCLI_UsageError(const char* text)
+{
+    MPCLI_Print("%s", text);
+    MPCLI_CVMUsage();
+    return MPCLI_RESULT_FAIL;
+}
