@@ -29,8 +29,7 @@ uint32_t INTF_UIA_CheckUpgradeThread()
 
 uint32_t INTF_UIA_CliLimitCheck()
 {
-    long count = UIA_RunFirstNumber("ps -e | grep -Ew 'cvadm|cvadmin' | wc -l");
-    return count < 0 ? 0 : static_cast<uint32_t>(count);
+    return UIA_RunFirstNumber("ps -e | grep -Ew 'cvadm|cvadmin' | wc -l");
 }
 
 void INTF_UIA_CliBegin() {}

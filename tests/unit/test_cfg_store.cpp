@@ -69,8 +69,12 @@ TEST_F(CfgStore, ItemValueRules)
         {"io_timeout", 100, "+5", kInvalid},         {"io_timeout", 100, "-1", kInvalid},
         {"io_timeout", 100, "5 ", kInvalid},         {"io_timeout", 100, " 5", kInvalid},
         {"io_timeout", 100, "", kInvalid},           {"io_timeout", 102, "30", kValid},
-        {"io_timeout", 100, "4294967296", kInvalid},  // converts to 0
-        {"workingmode", 100, "4294967296", kValid},   // converts to 0, within 0-1
+        // Nothing wraps: beyond 2^32-1 is out of range like any value above the maximum.
+        {"io_timeout", 100, "4294967296", kInvalid}, {"workingmode", 100, "4294967296", kInvalid},
+        {"io_latency_threshold", 100, "4294967296", kInvalid}, {"tod_time", 100, "4294967896", kInvalid},
+        {"performance_record_startl", 100, "4294967296", kInvalid},
+        {"performance_record_startl", 100, "18446744073709551616", kInvalid},
+        {"workingmode", 100, "00000000000000000000001", kValid},
         {"workingmode", 100, "2", kInvalid},
         {"loadbalancemode", 101, "round-robin", kValid}, {"loadbalancemode", 101, "min-task", kValid},
         {"loadbalancemode", 101, "Round-Robin", kInvalid}, {"loadbalancemode", 101, "", kInvalid},
@@ -406,7 +410,7 @@ TEST_F(CfgStore, FullConfigConversions)
               "<performance_record>1</performance_record></common>"
               "<array><arraySN1><ds_primary>short</ds_primary><ds_split_size>4096</ds_split_size></arraySN1></array>"
               "<lun><lunW1><ds_primary>2100112233445566778899</ds_primary><ds_mode>other</ds_mode>"
-              "<loadbalancemode>round-robin-extended</loadbalancemode></lunW1></lun></cvcfg>");
+              "</lunW1></lun></cvcfg>");
     driver().defaultPrimarySn = "ABCDEFGHIJ0123456789";
     UilFullCfg cfg{};
     ASSERT_EQ(INTF_UIL_GetFullConfig("W9", "SN1", &cfg), MPI_RET_SUCCESS);
@@ -426,7 +430,42 @@ TEST_F(CfgStore, FullConfigConversions)
     ASSERT_EQ(INTF_UIL_GetFullConfig("W1", "SN1", &cfg), MPI_RET_SUCCESS);
     EXPECT_STREQ(cfg.szDsPrimary, "2100112233445566778899");  // 20 or more characters: as it is
     EXPECT_EQ(cfg.uiDsMode, 1u);
-    EXPECT_STREQ(cfg.szLbPolicy, "");  // too long for its field: left unchanged
+}
+
+// A stored value is held to the rules of a typed one: a damaged value is
+// reported (1025), never read as 0 or as what atoi makes of it.
+TEST_F(CfgStore, InvalidStoredValuesAreReportedNotConverted)
+{
+    const struct {
+        const char* doc;
+        const char* item;
+    } cases[] = {
+        {"<common><io_latency_threshold>twenty</io_latency_threshold></common>", "io_latency_threshold"},
+        {"<common><io_latency_threshold></io_latency_threshold></common>", "io_latency_threshold"},
+        {"<common><io_latency_threshold>-5</io_latency_threshold></common>", "io_latency_threshold"},
+        {"<common><io_latency_threshold>4294967316</io_latency_threshold></common>", "io_latency_threshold"},
+        {"<common><tod_time>30</tod_time></common>", "tod_time"},
+        {"<lun><lunW1><loadbalancemode>round-robin-extended</loadbalancemode></lunW1></lun>", "loadbalancemode"},
+        {"<array><arraySN1><workingmode>2</workingmode></arraySN1></array>", "workingmode"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.doc);
+        writeFile(cfgPath(), std::string("<cvcfg>") + c.doc + "</cvcfg>");
+        char value[UIL_CFG_ITEM_VALUE_LEN] = "unset";
+        ASSERT_EQ(UIL_CfgOpenFile(false), MPI_RET_SUCCESS);
+        EXPECT_EQ(UIL_GetOneOfFullConfig("W1", "SN1", c.item, value, sizeof(value)), UIL_RET_CFG_INVALID_ITEM);
+        (void)UIL_CfgCloseFile(false);
+        UilFullCfg cfg{};
+        uint32_t want = UIL_RET_CFG_INVALID_ITEM;
+        if (c.item == std::string("io_latency_threshold")) {
+            want = MPI_RET_SUCCESS;  // not a field of the record
+        }
+        EXPECT_EQ(INTF_UIL_GetFullConfig("W1", "SN1", &cfg), want);
+    }
+    // An item that does not belong to a level was never stored there.
+    writeFile(cfgPath(), "<cvcfg><lun><lunW1><tod_time>90</tod_time></lunW1></lun></cvcfg>");
+    char value[UIL_CFG_ITEM_VALUE_LEN] = "unset";
+    EXPECT_EQ(UIL_GetLunConfig("W1", "tod_time", value, sizeof(value), true), UIL_RET_CFG_NOT_FOUND);
 }
 
 // A read access that fails half-way rewrites the file, but never over a
