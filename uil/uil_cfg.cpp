@@ -326,13 +326,19 @@ uint32_t UIL_CfgOpenFile(bool bForWrite)
     return MPI_RET_SUCCESS;
 }
 
-uint32_t UIL_CfgCloseFile(bool bSave)
+uint32_t UIL_CfgCloseKeepLock(bool bSave)
 {
     uint32_t rc = bSave ? saveDocument() : MPI_RET_SUCCESS;
     dropDocument();
     if (rc != MPI_RET_SUCCESS) {
         restoreFromBackup();
     }
+    return rc;
+}
+
+uint32_t UIL_CfgCloseFile(bool bSave)
+{
+    uint32_t rc = UIL_CfgCloseKeepLock(bSave);
     if (bSave) {
         (void)UIL_CfgUnlockFile();
     }

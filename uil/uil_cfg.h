@@ -345,8 +345,10 @@ bool INTF_UIL_CfgValueCmp(const char* wwn, const char* serialNumber, const char*
 uint32_t UIL_SetConfig(uint32_t sectionType, const char* instance, const char* item, const char* value);
 
 // Whole changes: lock, set, tell the driver, save. The file-only array
-// variant does not tell the driver. When the driver refuses, only the
-// array variant drops the lock; the others leave it to process exit.
+// variant does not tell the driver. Whatever the outcome, the lock is free
+// when they return. A change the driver took but that cannot be saved is
+// given back to the driver (the previous value, or the delete request when
+// there was none) and fails; INTF_UIL_LastFileError names the cause.
 uint32_t UIL_SetCommonConfig(const char* item, const char* value);
 uint32_t UIL_SetArrayConfig(const char* serialNumber, const char* item, const char* value);
 uint32_t UIL_SetLunConfig(const char* wwn, const char* item, const char* value);

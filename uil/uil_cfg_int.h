@@ -47,6 +47,10 @@ void UIL_CfgDeleteNode(xmlNode* node);
 
 // ---------------------------------------------------------------------------
 // The open document (null when none is open).
+
+// UIL_CfgCloseFile without dropping the lock: a change whose save failed
+// still holds it while it gives the driver the previous state back.
+uint32_t UIL_CfgCloseKeepLock(bool bSave);
 xmlDoc* UIL_CfgDoc();
 xmlNode* UIL_CfgRoot();
 

@@ -66,5 +66,11 @@ using UilReplaceCheck = bool (*)(const char* tempName);
 // was and the temporary file is gone; the cause is in the trace log.
 bool UIL_ReplaceFile(const char* path, std::string_view bytes, mode_t mode, UilReplaceCheck check = nullptr);
 
+// The cause of the last failure on a file the layer reads or writes, as
+// "<path>: <reason>", for the shell to name it (this layer never prints).
+// Each change clears it when it begins; "" when nothing failed.
+void UIL_FileErrorClear();
+void UIL_FileErrorNote(const char* path, const char* reason);
+
 // Removes the temporary files a killed writer left next to `path`.
 void UIL_RemoveStaleTemps(const char* path);

@@ -4,15 +4,18 @@
 // the start-up parse, the upgrade merge, and the file-safety rules.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstring>
 #include <functional>
 #include <set>
 
 #include "support/cfg_fixture.h"
+#include "uil/uil.h"
 #include "uil/uil_cfg_int.h"
 
 using namespace cfgtest;
@@ -187,17 +190,15 @@ struct LevelCase {
     uint32_t type;
     const char* key;
     const char* xpath;
-    bool lockKeptWhenRefused;
 };
 
 uint32_t setCommon(const char*, const char* item, const char* value) { return UIL_SetCommonConfig(item, value); }
 
 const LevelCase kLevels[] = {
-    {"common", setCommon, 100, "", "/cvcfg/common/io_timeout", true},
-    {"array", UIL_SetArrayConfig, 101, "21000022A1B2C3D4E5F6", "/cvcfg/array/array21000022A1B2C3D4E5F6/io_timeout",
-     false},
-    {"lun", UIL_SetLunConfig, 102, "6001405abcdef0123456789abcdef012", "/cvcfg/lun/lun6001405abcdef0123456789abcdef012/io_timeout",
-     true},
+    {"common", setCommon, 100, "", "/cvcfg/common/io_timeout"},
+    {"array", UIL_SetArrayConfig, 101, "21000022A1B2C3D4E5F6", "/cvcfg/array/array21000022A1B2C3D4E5F6/io_timeout"},
+    {"lun", UIL_SetLunConfig, 102, "6001405abcdef0123456789abcdef012",
+     "/cvcfg/lun/lun6001405abcdef0123456789abcdef012/io_timeout"},
 };
 
 // At each level the driver hears of the change while the file still holds
@@ -222,8 +223,8 @@ TEST_F(CfgStore, DriverHearsBeforeTheFileHoldsTheChange)
         EXPECT_EQ(c.set(c.key, "io_timeout", "77"), MPI_RET_FAIL);
         EXPECT_EQ(driver().count(kNotifyCode), 1u);
         EXPECT_EQ(readFile(cfgPath()), kSmallDoc);
-        // The array change drops the lock; the others keep it to process exit.
-        EXPECT_EQ(lockFreeForOthers(), !c.lockKeptWhenRefused);
+        // A refused change ends like any other: the lock is free again.
+        EXPECT_TRUE(lockFreeForOthers());
     }
 }
 
@@ -301,6 +302,67 @@ const char kLevelsDoc[] =
     "<cvcfg><common><io_timeout>100</io_timeout></common>"
     "<array><arraySN1><io_timeout>200</io_timeout><loadbalancemode>min-task</loadbalancemode></arraySN1></array>"
     "<lun><lunW1><io_timeout>300</io_timeout><luntrespass>0</luntrespass></lunW1></lun></cvcfg>";
+
+// A file system that takes no more data: the save of every write fails
+// from the first driver request of a change on, until the next request.
+struct FullDisk {
+    static void onSend(const Sent&)
+    {
+        static bool full = false;
+        full = !full;
+        rlimit limit{};
+        getrlimit(RLIMIT_FSIZE, &limit);
+        limit.rlim_cur = full ? 1 : limit.rlim_max;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    FullDisk()
+    {
+        signal(SIGXFSZ, SIG_IGN);
+        FakeDriver::get().onSend = onSend;
+    }
+};
+
+// When the driver took a change that cannot be saved, it is given back what
+// the file still holds (the previous value, or its absence), the change
+// fails, the lock is free and the cause names the file.
+TEST_F(CfgStore, UnsavedChangeIsGivenBackToTheDriver)
+{
+    struct Case {
+        const char* name;
+        std::function<uint32_t()> change;
+        std::vector<uint8_t> givenBack;
+    };
+    UilOperLogPara rec{};
+    const Case cases[] = {
+        {"absent before", [] { return UIL_SetCommonConfig("io_timeout", "77"); }, deleteBytes(100, "", "io_timeout")},
+        {"common value", [] { return UIL_SetCommonConfig("io_timeout", "77"); },
+         notifyBytes(100, "", {{"io_timeout", "100"}})},
+        {"array value", [] { return UIL_SetArrayConfig("SN1", "loadbalancemode", "round-robin"); },
+         notifyBytes(101, "SN1", {{"loadbalancemode", "min-task"}})},
+        {"lun item deleted", [&] { return INTF_UIL_DelLunConfig("CLI", 4, "W1", "luntrespass", &rec); },
+         notifyBytes(102, "W1", {{"luntrespass", "0"}})},
+        {"lun instance deleted", [&] { return INTF_UIL_DelLunConfig("CLI", 4, "W1", nullptr, &rec); },
+         notifyBytes(102, "W1", {{"io_timeout", "300"}, {"luntrespass", "0"}})},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        restart();
+        std::string doc = c.name == std::string("absent before") ? kSmallDoc : kLevelsDoc;
+        writeFile(cfgPath(), doc);
+        FullDisk full;
+        EXPECT_EQ(c.change(), MPI_RET_FAIL);
+        ASSERT_EQ(driver().sent.size(), 2u);
+        EXPECT_EQ(driver().sent[1].bytes, c.givenBack);
+        EXPECT_EQ(readFile(cfgPath()), doc);
+        EXPECT_TRUE(lockFreeForOthers());
+        std::string cause = INTF_UIL_LastFileError();
+        EXPECT_EQ(cause.rfind(cfgPath() + ": File too large; the change was not kept", 0), 0u) << cause;
+    }
+    // The cause belongs to the change that failed: the next one clears it.
+    restart();
+    ASSERT_EQ(UIL_SetCommonConfig("io_timeout", "77"), MPI_RET_SUCCESS);
+    EXPECT_STREQ(INTF_UIL_LastFileError(), "");
+}
 
 TEST_F(CfgStore, Deleting)
 {
