@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "mpi/mpi_file.h"
 #include "mpi/mpi_usr.h"
 #include "uil/uil.h"
 
@@ -66,6 +67,18 @@ void UIL_FileErrorNote(const char* path, const char* reason)
 }
 
 const char* INTF_UIL_LastFileError() { return g_strUILFileError.c_str(); }
+
+UilFd UIL_OpenRegular(const char* path, int flags, mode_t mode)
+{
+    const char* reason = "";
+    UilFd fd(MPI_OpenRegular(path, flags, mode, &reason));
+    if (!fd.valid()) {
+        int err = errno;
+        UIL_FileErrorNote(path, reason);
+        errno = err;
+    }
+    return fd;
+}
 
 bool UIL_WriteAll(int fd, std::string_view bytes)
 {

@@ -50,6 +50,11 @@ private:
     int m_fd = -1;
 };
 
+// Opens a file the layer reads or writes (MPI_OpenRegular): never blocks
+// on a FIFO, takes nothing but a regular file; a failure is noted with its
+// cause (UIL_FileErrorNote) and errno kept.
+UilFd UIL_OpenRegular(const char* path, int flags, mode_t mode = 0600);
+
 // Writes all of `bytes`, resuming after signals; false on any error.
 bool UIL_WriteAll(int fd, std::string_view bytes);
 
