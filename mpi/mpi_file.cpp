@@ -13,7 +13,13 @@ int MPI_OpenRegular(const char* path, int flags, mode_t mode, const char** reaso
     // (and whatever lock the caller holds) until someone opens its other end.
     int fd = open(path, flags | O_NONBLOCK | O_CLOEXEC, mode);
     if (fd < 0) {
-        *reason = std::strerror(errno);
+        // A FIFO without a reader (ENXIO) or a directory (EISDIR) is named
+        // for what it is.
+        int err = errno;
+        struct stat st {};
+        bool odd = err != ELOOP && stat(path, &st) == 0 && !S_ISREG(st.st_mode);
+        *reason = odd ? "not a regular file" : std::strerror(err);
+        errno = err;
         return -1;
     }
     struct stat st {};

@@ -364,6 +364,29 @@ TEST_F(CfgStore, UnsavedChangeIsGivenBackToTheDriver)
     EXPECT_STREQ(INTF_UIL_LastFileError(), "");
 }
 
+// A FIFO in place of the document or of its lock is refused at once (it
+// would otherwise hang the change, holding the lock), and named.
+TEST_F(CfgStore, OddFilesAreRefusedNotWaitedOn)
+{
+    struct Case {
+        std::string path;
+        uint32_t rc;
+    };
+    for (const Case& c : {Case{cfgPath(), UIL_RET_CFG_LOAD_FAIL}, Case{lockPath(), MPI_RET_FAIL}}) {
+        SCOPED_TRACE(c.path);
+        restart();
+        fs::remove(c.path);
+        ASSERT_EQ(mkfifo(c.path.c_str(), 0600), 0);
+        bool done = inOtherProcess([&] {
+            alarm(5);
+            return UIL_SetCommonConfig("io_timeout", "77") == c.rc &&
+                   std::string(INTF_UIL_LastFileError()) == c.path + ": not a regular file";
+        });
+        EXPECT_TRUE(done);
+        fs::remove(c.path);
+    }
+}
+
 TEST_F(CfgStore, Deleting)
 {
     writeFile(cfgPath(), kLevelsDoc);
