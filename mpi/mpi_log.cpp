@@ -1,5 +1,6 @@
 // The trace log: one line per report, the file opened and closed each time
 // so that several processes can append to it.
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -13,6 +14,7 @@
 #include <memory>
 
 #include "bounded/bounded.h"
+#include "mpi/mpi_file.h"
 #include "mpi/mpi_root.h"
 #include "mpi/mpi_usr.h"
 
@@ -57,6 +59,8 @@ constexpr std::array<LogFile, 10> kLogFiles = {{
     {g_pstUILLogEventPath, "event_log"},
 }};
 
+const char* g_pszMPILogInitFailure = nullptr;
+
 constexpr uint32_t kLogCodeProduct = 0x5342;
 constexpr uint32_t kLogCodeFixed = 0xC0;
 constexpr size_t kLogCodeLen = 16;
@@ -67,23 +71,6 @@ struct FileCloser {
 };
 using FilePtr = std::unique_ptr<FILE, FileCloser>;
 
-// The log directory and its missing parents; the log directory itself is
-// made private to root.
-void makeLogDir()
-{
-    char dir[MPI_PATH_BUF_LEN];
-    MPI_RootPath(MPI_LOG_DIR, dir, sizeof(dir));
-    size_t len = std::strlen(dir);
-    for (size_t i = 1; i < len; ++i) {
-        if (dir[i] == '/') {
-            dir[i] = '\0';
-            bool last = (i == len - 1);
-            (void)mkdir(dir, last ? 0600 : 0755);
-            dir[i] = '/';
-        }
-    }
-}
-
 const char* tracePath()
 {
     if (g_pstUILLogTracePath[0] == '\0') {
@@ -92,13 +79,30 @@ const char* tracePath()
     return g_pstUILLogTracePath;
 }
 
+// The trace log for appending, the log directory made when it is missing.
+// Anything but a regular file in its place is refused, never waited on.
+FilePtr openTraceFile(const char** reason)
+{
+    int fd = MPI_OpenRegular(tracePath(), O_WRONLY | O_APPEND | O_CREAT, 0600, reason);
+    if (fd < 0 && errno == ENOENT) {
+        MPI_MakeLogDir();
+        fd = MPI_OpenRegular(tracePath(), O_WRONLY | O_APPEND | O_CREAT, 0600, reason);
+    }
+    if (fd < 0) {
+        return nullptr;
+    }
+    FilePtr file(fdopen(fd, "a"));
+    if (!file) {
+        *reason = std::strerror(errno);
+        (void)close(fd);
+    }
+    return file;
+}
+
 FilePtr openTrace(uint32_t module)
 {
-    FilePtr file(std::fopen(tracePath(), "a"));
-    if (!file) {
-        makeLogDir();
-        file.reset(std::fopen(tracePath(), "a"));
-    }
+    const char* reason = "";
+    FilePtr file = openTraceFile(&reason);
     if (!file) {
         std::fputs(module == MPI_MOD_UIA ? "Open UIA trace log fail.\n" : "Open UIL trace log fail.\n", stdout);
         std::fflush(stdout);
@@ -145,17 +149,33 @@ void UIL_GetLogPathName()
 
 uint32_t UIL_LogInit()
 {
-    FilePtr file(std::fopen(tracePath(), "a"));
+    const char* reason = "";
+    FilePtr file = openTraceFile(&reason);
     if (!file) {
-        makeLogDir();
-        file.reset(std::fopen(tracePath(), "a"));
-    }
-    if (!file) {
+        g_pszMPILogInitFailure = reason;
         std::fputs("UIL trace log init fail.\n", stdout);
         std::fflush(stdout);
         return MPI_RET_FAIL;
     }
+    g_pszMPILogInitFailure = nullptr;
     return MPI_RET_SUCCESS;
+}
+
+const char* MPI_LogInitFailure() { return g_pszMPILogInitFailure; }
+
+void MPI_MakeLogDir()
+{
+    char dir[MPI_PATH_BUF_LEN];
+    MPI_RootPath(MPI_LOG_DIR, dir, sizeof(dir));
+    size_t len = std::strlen(dir);
+    for (size_t i = 1; i < len; ++i) {
+        if (dir[i] == '/') {
+            dir[i] = '\0';
+            bool last = (i == len - 1);
+            (void)mkdir(dir, last ? 0600 : 0755);
+            dir[i] = '/';
+        }
+    }
 }
 
 void UIL_LogFini() {}

@@ -59,6 +59,12 @@ extern char g_pstUILLogCvadmPath[MPI_PATH_BUF_LEN];    // never filled nor read
 void UIL_GetLogPathName();
 uint32_t UIL_LogInit();
 void UIL_LogFini();
+// Why the last UIL_LogInit failed (the system's error text, or "not a
+// regular file"); null after a success.
+const char* MPI_LogInitFailure();
+// The log directory with its missing parents; the log directory itself is
+// private to root (mode 0600).
+void MPI_MakeLogDir();
 
 const char* MPI_LevelName(uint32_t level);
 const char* MPI_ModuleName(uint32_t module);

@@ -4,7 +4,7 @@
 #include <sys/file.h>
 #include <unistd.h>
 
-
+#include "mpi/mpi_file.h"
 #include "mpi/mpi_root.h"
 #include "uia/uia.h"
 #include "uia/uia_shell.h"
@@ -15,9 +15,10 @@ uint32_t INTF_UIA_CheckUpgradeThread()
     // until the process ends, so that an upgrade waits for us.
     static int s_lockFd = -1;
     std::string path = MPI_HostPath(UIA_UPGRADE_LOCK_PATH);
-    s_lockFd = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    const char* reason = "";
+    s_lockFd = MPI_OpenRegular(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW, 0600, &reason);
     if (s_lockFd < 0) {
-        UIA_ERR("Open lock file %s fail", path.c_str());
+        UIA_ERR("Open lock file %s fail: %s", path.c_str(), reason);
         return MPI_RET_INTERNAL_ERROR;
     }
     if (flock(s_lockFd, LOCK_SH | LOCK_NB) != 0) {
@@ -29,8 +30,7 @@ uint32_t INTF_UIA_CheckUpgradeThread()
 
 uint32_t INTF_UIA_CliLimitCheck()
 {
-    long count = UIA_RunFirstNumber("ps -e | grep -Ew 'cvadm|cvadmin' | wc -l");
-    return count < 0 ? 0 : static_cast<uint32_t>(count);
+    return UIA_RunFirstNumber("ps -e | grep -Ew 'cvadm|cvadmin' | wc -l");
 }
 
 void INTF_UIA_CliBegin() {}

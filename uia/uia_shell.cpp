@@ -3,7 +3,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <string_view>
 
+#include "mpi/mpi_number.h"
 #include "mpi/mpi_usr.h"
 
 namespace {
@@ -29,7 +31,7 @@ std::string UIA_ShellQuote(const std::string& text)
     return quoted;
 }
 
-long UIA_RunFirstNumber(const std::string& command)
+uint32_t UIA_RunFirstNumber(const std::string& command)
 {
     std::fflush(stdout);  // the child shares our standard output
     PipePtr pipe(popen(command.c_str(), "r"));
@@ -41,5 +43,15 @@ long UIA_RunFirstNumber(const std::string& command)
     if (std::fgets(line, sizeof(line), pipe.get()) == nullptr) {
         return 0;
     }
-    return std::strtol(line, nullptr, 10);
+    // The number alone: the line's end and the blanks some tools pad with
+    // are not part of it; anything else makes it no number at all.
+    std::string_view text(line);
+    size_t first = text.find_first_not_of(" \t");
+    size_t last = text.find_last_not_of(" \t\r\n");
+    uint32_t number = 0;
+    if (first == std::string_view::npos || !MPI_ToU32(text.substr(first, last - first + 1), &number)) {
+        UIA_ERR("Output {%s} of command {%s} is not a number", line, command.c_str());
+        return 0;
+    }
+    return number;
 }

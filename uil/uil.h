@@ -18,7 +18,12 @@ void INTF_UIL_CliEnd();
 uint32_t INTF_UIL_CheckUpgradeThread();
 uint32_t INTF_UIL_CliLimitCheck();
 
-inline constexpr uint32_t UIL_TRACE_INIT_FAIL = 26;  // INTF_UIL_Init when the trace log cannot be opened
+inline constexpr uint32_t UIL_TRACE_INIT_FAIL = 26;
+
+// What the last failed change or log write could not do to which file, as
+// "<path>: <reason>" ("" when none): the shell adds it on standard error
+// to its fixed failure text. Each change clears it when it begins.
+const char* INTF_UIL_LastFileError();  // INTF_UIL_Init when the trace log cannot be opened
 
 // Versions.
 inline constexpr const char UIL_SOFTWARE_VERSION[] = "21.01.025";

@@ -151,7 +151,11 @@ uint32_t saveDocument()
 
 bool fileIsConfigDoc(const char* path)
 {
-    UilXmlDoc doc(xmlReadFile(path, nullptr, UIL_CFG_PARSE_OPTIONS));
+    std::string bytes;
+    if (!UIL_CfgReadFile(path, &bytes)) {
+        return false;
+    }
+    UilXmlDoc doc(xmlReadMemory(bytes.data(), static_cast<int>(bytes.size()), path, nullptr, UIL_CFG_PARSE_OPTIONS));
     return UIL_CfgIsConfigDoc(doc.get());
 }
 
@@ -244,7 +248,7 @@ uint32_t UIL_CfgCheckFileAlreadyOpen()
         UIL_ERR("Cfg lock file path is not set");
         return MPI_RET_FAIL;
     }
-    UilFd fd(open(g_szUILCfgLockFilePath, O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600));
+    UilFd fd = UIL_OpenRegular(g_szUILCfgLockFilePath, O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
     if (!fd.valid()) {
         UIL_ERR("can't open %s: %s", g_szUILCfgLockFilePath, std::strerror(errno));
         return MPI_RET_FAIL;
@@ -326,13 +330,19 @@ uint32_t UIL_CfgOpenFile(bool bForWrite)
     return MPI_RET_SUCCESS;
 }
 
-uint32_t UIL_CfgCloseFile(bool bSave)
+uint32_t UIL_CfgCloseKeepLock(bool bSave)
 {
     uint32_t rc = bSave ? saveDocument() : MPI_RET_SUCCESS;
     dropDocument();
     if (rc != MPI_RET_SUCCESS) {
         restoreFromBackup();
     }
+    return rc;
+}
+
+uint32_t UIL_CfgCloseFile(bool bSave)
+{
+    uint32_t rc = UIL_CfgCloseKeepLock(bSave);
     if (bSave) {
         (void)UIL_CfgUnlockFile();
     }

@@ -223,50 +223,8 @@ struct UilFullCfg {
     uint32_t uiPerformanceRecord;
 };
 
-enum class UilFullCfgConv : uint8_t {
-    AcrossCtrl,  // u8: 1 when atoi gives 0, else 0
-    LbPolicy,    // char[16], left unchanged when the value does not fit
-    U8,          // atoi
-    U32,         // atoi
-    DsMode,      // u32: 0 for "balance", else 1
-    DsPrimary,   // char[24]: see UilFullCfg
-};
-struct UilFullCfgItem {
-    const char* pszItem;
-    size_t uiOffset;  // of the field in UilFullCfg
-    UilFullCfgConv eConv;
-};
-inline constexpr size_t UIL_FULL_CFG_ITEM_COUNT = 32;
-extern const std::array<UilFullCfgItem, UIL_FULL_CFG_ITEM_COUNT> UIL_sastFullCfgItems;
 
 // ---------------------------------------------------------------------------
-// Driver payloads (little-endian, offsets of the wire layout, the rest zero).
-namespace uil_cfg_wire {
-// User configuration notify: 44 + 96 x N bytes.
-inline constexpr size_t kNotifyType = 0;
-inline constexpr size_t kNotifyInstance = 4;
-inline constexpr size_t kInstanceLen = 33;  // 32 characters + NUL
-inline constexpr size_t kNotifyCount = 40;
-inline constexpr size_t kNotifyItems = 44;
-inline constexpr size_t kItemSize = 96;
-inline constexpr size_t kItemName = 0;  // within one item
-inline constexpr size_t kItemValue = 32;
-inline constexpr size_t NotifySize(size_t count) { return kNotifyItems + kItemSize * count; }
-// User configuration delete: 72 bytes.
-inline constexpr size_t kDelType = 0;
-inline constexpr size_t kDelInstance = 4;
-inline constexpr size_t kDelItem = 37;
-inline constexpr size_t kDelSize = 72;
-// Default dual-site information: 28 bytes.
-inline constexpr size_t kDsInfoSize = 28;
-inline constexpr size_t kDsPrimarySn = 5;
-inline constexpr size_t kDsDefaultFlag = 26;
-}  // namespace uil_cfg_wire
-static_assert(uil_cfg_wire::NotifySize(1) == 140);
-static_assert(uil_cfg_wire::NotifySize(1) == uia_req::CfgNotify.size);
-static_assert(uil_cfg_wire::kDelSize == uia_req::CfgDelete.size);
-static_assert(uil_cfg_wire::kDsInfoSize == uia_req::GetDsInfo.size);
-
 // How the store reaches the driver. Tests may install their own sender to
 // watch or refuse requests; null restores the driver channel. Returns the
 // sender in force before.
@@ -345,8 +303,10 @@ bool INTF_UIL_CfgValueCmp(const char* wwn, const char* serialNumber, const char*
 uint32_t UIL_SetConfig(uint32_t sectionType, const char* instance, const char* item, const char* value);
 
 // Whole changes: lock, set, tell the driver, save. The file-only array
-// variant does not tell the driver. When the driver refuses, only the
-// array variant drops the lock; the others leave it to process exit.
+// variant does not tell the driver. Whatever the outcome, the lock is free
+// when they return. A change the driver took but that cannot be saved is
+// given back to the driver (the previous value, or the delete request when
+// there was none) and fails; INTF_UIL_LastFileError names the cause.
 uint32_t UIL_SetCommonConfig(const char* item, const char* value);
 uint32_t UIL_SetArrayConfig(const char* serialNumber, const char* item, const char* value);
 uint32_t UIL_SetLunConfig(const char* wwn, const char* item, const char* value);

@@ -41,7 +41,7 @@ bool UIL_CfgIsConfigDoc(const xmlDoc* doc)
 bool UIL_CfgReadFile(const char* path, std::string* bytes)
 {
     bytes->clear();
-    UilFd fd(open(path, O_RDONLY | O_CLOEXEC));
+    UilFd fd = UIL_OpenRegular(path, O_RDONLY);
     if (!fd.valid()) {
         return false;
     }
@@ -49,8 +49,9 @@ bool UIL_CfgReadFile(const char* path, std::string* bytes)
     if (fstat(fd.get(), &st) != 0) {
         return false;
     }
-    if (!S_ISREG(st.st_mode) || static_cast<size_t>(st.st_size) > kMaxFileSize) {
-        errno = EINVAL;
+    if (static_cast<size_t>(st.st_size) > kMaxFileSize) {
+        UIL_FileErrorNote(path, "too large for a configuration file");
+        errno = EFBIG;
         return false;
     }
     char chunk[4096];

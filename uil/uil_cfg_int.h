@@ -11,7 +11,27 @@
 #include <string>
 
 #include "uil/uil_cfg.h"
+#include "uil/uil_cfg_wire.h"
 #include "uil/uil_file.h"
+
+// ---------------------------------------------------------------------------
+// How each field of the full configuration record is filled: the item it
+// comes from, the field's place in UilFullCfg and the conversion.
+enum class UilFullCfgConv : uint8_t {
+    AcrossCtrl,  // u8: 1 when the number gives 0, else 0
+    LbPolicy,    // char[16], left unchanged when the value does not fit
+    U8,          // the number
+    U32,         // the number
+    DsMode,      // u32: 0 for "balance", else 1
+    DsPrimary,   // char[24]: see UilFullCfg
+};
+struct UilFullCfgItem {
+    const char* pszItem;
+    size_t uiOffset;  // of the field in UilFullCfg
+    UilFullCfgConv eConv;
+};
+inline constexpr size_t UIL_FULL_CFG_ITEM_COUNT = 32;
+extern const std::array<UilFullCfgItem, UIL_FULL_CFG_ITEM_COUNT> UIL_sastFullCfgItems;
 
 // ---------------------------------------------------------------------------
 // Owners.
@@ -47,6 +67,10 @@ void UIL_CfgDeleteNode(xmlNode* node);
 
 // ---------------------------------------------------------------------------
 // The open document (null when none is open).
+
+// UIL_CfgCloseFile without dropping the lock: a change whose save failed
+// still holds it while it gives the driver the previous state back.
+uint32_t UIL_CfgCloseKeepLock(bool bSave);
 xmlDoc* UIL_CfgDoc();
 xmlNode* UIL_CfgRoot();
 

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "bounded/bounded.h"
+#include "mpi/mpi_number.h"
 #include "uil/uil_cfg_int.h"
 
 namespace {
@@ -240,19 +241,19 @@ bool UIL_CfgIsValidDigital(const char* value, const UilCfgItemDef* item)
     if (value[0] == '\0') {
         return false;
     }
-    for (const char* c = value; *c != '\0'; ++c) {
-        if (*c < '0' || *c > '9') {
-            UIL_ERR("The value %s of cfg item %s is not digital", value, item->pszName);
-            return false;
-        }
-    }
-    // The driver converts with atoi; the same conversion decides the range.
-    auto number = static_cast<uint32_t>(std::atoi(value));
-    if (number < item->uiMin || number > item->uiMax) {
-        UIL_ERR("The value %u of cfg item %s isn't in right region", number, item->pszName);
+    // The driver reads the value with atoi: only a value it reads back
+    // unchanged (digits, within 0..2^32-1 and the item's range) is taken.
+    switch (MPI_ParseU32(value, item->uiMin, item->uiMax, nullptr)) {
+    case MPI_Num::Ok:
+        return true;
+    case MPI_Num::NotNumber:
+        UIL_ERR("The value %s of cfg item %s is not digital", value, item->pszName);
         return false;
+    case MPI_Num::OutOfRange:
+        break;
     }
-    return true;
+    UIL_ERR("The value %s of cfg item %s isn't in right region", value, item->pszName);
+    return false;
 }
 
 bool UIL_CfgIsValidString(const char* value, const UilCfgItemDef* item)

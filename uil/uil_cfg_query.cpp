@@ -1,10 +1,10 @@
 // Reading the configuration: the value stored at one level, the effective
 // value of a LUN (LUN, then array, then common), the full configuration
 // record and the default dual-site primary the driver proposes.
-#include <cstdlib>
 #include <cstring>
 
 #include "bounded/bounded.h"
+#include "mpi/mpi_number.h"
 #include "uil/uil_cfg_int.h"
 
 namespace {
@@ -51,11 +51,27 @@ void convertDsPrimary(const char* value, char* out)
     (void)strcpy_s(out, UIL_CFG_DS_PRIMARY_LEN, std::strlen(sn) == UIL_CFG_DS_SN_LEN ? sn : UIL_CFG_NOT_CONFIGURED);
 }
 
-void convertField(const UilFullCfgItem& row, const char* value, UilFullCfg* cfg)
+// The number a stored digital value holds; an absent value (empty) is 0.
+// Stored values were checked when they were read, so anything else here
+// is refused rather than converted to a made-up number.
+bool storedNumber(const char* value, uint32_t* number)
 {
+    if (value[0] == '\0') {
+        *number = 0;
+        return true;
+    }
+    return MPI_ToU32(value, number);
+}
+
+bool convertField(const UilFullCfgItem& row, const char* value, UilFullCfg* cfg)
+{
+    uint32_t number = 0;
     switch (row.eConv) {
     case UilFullCfgConv::AcrossCtrl:
-        putField<uint8_t>(cfg, row.uiOffset, std::atoi(value) == 0 ? 1 : 0);
+        if (!storedNumber(value, &number)) {
+            return false;
+        }
+        putField<uint8_t>(cfg, row.uiOffset, number == 0 ? 1 : 0);
         break;
     case UilFullCfgConv::LbPolicy:
         if (std::strlen(value) + 1 > UIL_CFG_LB_POLICY_LEN) {
@@ -65,10 +81,16 @@ void convertField(const UilFullCfgItem& row, const char* value, UilFullCfg* cfg)
         (void)strcpy_s(textField(cfg, row.uiOffset), UIL_CFG_LB_POLICY_LEN, value);
         break;
     case UilFullCfgConv::U8:
-        putField<uint8_t>(cfg, row.uiOffset, static_cast<uint8_t>(std::atoi(value)));
+        if (!storedNumber(value, &number) || number > UINT8_MAX) {
+            return false;
+        }
+        putField<uint8_t>(cfg, row.uiOffset, static_cast<uint8_t>(number));
         break;
     case UilFullCfgConv::U32:
-        putField<uint32_t>(cfg, row.uiOffset, static_cast<uint32_t>(std::atoi(value)));
+        if (!storedNumber(value, &number)) {
+            return false;
+        }
+        putField<uint32_t>(cfg, row.uiOffset, number);
         break;
     case UilFullCfgConv::DsMode:
         putField<uint32_t>(cfg, row.uiOffset, std::strcmp(value, "balance") == 0 ? 0 : 1);
@@ -77,6 +99,24 @@ void convertField(const UilFullCfgItem& row, const char* value, UilFullCfg* cfg)
         convertDsPrimary(value, textField(cfg, row.uiOffset));
         break;
     }
+    return true;
+}
+
+// A stored value is held to the rules of a typed one: the operator must
+// hear of a damaged value, not see it as 0 or as whatever atoi makes of it.
+// An item that does not belong to the level was never stored there.
+uint32_t checkStored(uint32_t sectionType, const char* item, const char* value)
+{
+    const UilCfgItemDef* def = UIL_CfgGetItemDef(item, sectionType);
+    if (def == nullptr) {
+        UIL_ERR("Cfg node %s isn't the valid item, or not belong to type %u", item, sectionType);
+        return UIL_RET_CFG_NOT_FOUND;
+    }
+    if (!UIL_CfgCheckItemValue(value, def)) {
+        UIL_ERR("The value %s of cfg node %s isn't valid", value, item);
+        return UIL_RET_CFG_INVALID_ITEM;
+    }
+    return MPI_RET_SUCCESS;
 }
 
 }  // namespace
@@ -107,6 +147,10 @@ uint32_t UIL_QueryConfig(uint32_t sectionType, const char* instance, const char*
     if (need > size) {
         UIL_ERR("Buffer size %u insufficient, need %u", size, static_cast<uint32_t>(need));
         return MPI_RET_FAIL;
+    }
+    uint32_t rc = checkStored(sectionType, item, value);
+    if (rc != MPI_RET_SUCCESS) {
+        return rc;
     }
     (void)strcpy_s(buffer, size, value);
     UIL_TRACE(MPI_LOG_INFO, "Query config <%u,%s> succ, value %s", sectionType, item, value);
@@ -193,7 +237,11 @@ uint32_t INTF_UIL_GetFullConfig(const char* wwn, const char* serialNumber, UilFu
             (void)UIL_CfgCloseFile(true);
             return rc;
         }
-        convertField(row, value, fullConfig);
+        if (!convertField(row, value, fullConfig)) {
+            UIL_ERR("The value %s of cfg node %s isn't valid", value, row.pszItem);
+            (void)UIL_CfgCloseFile(false);
+            return UIL_RET_CFG_INVALID_ITEM;
+        }
     }
     (void)UIL_CfgCloseFile(false);
     return MPI_RET_SUCCESS;

@@ -3,8 +3,12 @@
 // deletion. The driver always hears of a change before the file holds it,
 // and a change the driver refuses is never saved.
 #include <cstring>
+#include <string>
+#include <vector>
 
 #include "bounded/bounded.h"
+#include "mpi/mpi_scope.h"
+#include "uil/uil.h"
 #include "uil/uil_cfg_int.h"
 
 namespace {
@@ -81,11 +85,78 @@ uint32_t setItemText(const char* xpath, const char* value)
 struct Level {
     uint32_t type;
     const char* section;  // "array", "lun"
-    bool unlockWhenRefused;  // the array changes drop the lock when the driver refuses
 };
-constexpr Level kCommon{UIL_CFG_SECTION_COMMON, "common", false};
-constexpr Level kArray{UIL_CFG_SECTION_ARRAY, "array", true};
-constexpr Level kLun{UIL_CFG_SECTION_LUN, "lun", false};
+constexpr Level kCommon{UIL_CFG_SECTION_COMMON, "common"};
+constexpr Level kArray{UIL_CFG_SECTION_ARRAY, "array"};
+constexpr Level kLun{UIL_CFG_SECTION_LUN, "lun"};
+
+// A change ends, whatever its outcome, with the document dropped and the
+// lock released: a refused change must not keep other writers out.
+auto endOfChange()
+{
+    return MPI_ScopeExit([] {
+        (void)UIL_CfgCloseFile(false);
+        (void)UIL_CfgUnlockFile();
+    });
+}
+
+// The valid items stored under `node` (the node itself when it is an
+// item): what the driver holds for it, to be told again if need be.
+std::vector<UilUserCfgItem> storedItems(xmlNode* node, uint32_t sectionType, bool instance)
+{
+    std::vector<UilUserCfgItem> items;
+    uint64_t seen = 0;
+    xmlNode* first = instance ? node->children : node;
+    for (xmlNode* n = first; n != nullptr; n = instance ? n->next : nullptr) {
+        UilUserCfgItem item{};
+        if (UIL_CfgParseOneItem(n, sectionType, &seen, &item) == MPI_RET_SUCCESS) {
+            items.push_back(item);
+        }
+    }
+    return items;
+}
+
+// The driver accepted a change that could not be saved: it is given back
+// what the file still holds (the previous items, or their absence), so
+// that driver and file agree again. The cause is kept for the shell.
+void giveBackToDriver(uint32_t sectionType, const char* key, const char* item, std::vector<UilUserCfgItem>& before)
+{
+    uint32_t rc = MPI_RET_SUCCESS;
+    if (before.empty()) {
+        rc = UIL_CfgDelFromDriver(sectionType, key, item);
+    } else {
+        MPI_ListNode list;
+        MPI_ListInit(&list);
+        for (UilUserCfgItem& i : before) {
+            MPI_ListAddTail(&i.links, &list);
+        }
+        rc = UIL_CfgNotifySectionToDriver(&list, sectionType, key);
+    }
+    std::string cause = INTF_UIL_LastFileError();
+    size_t prefix = std::strlen(UIL_CfgFilePath()) + 2;  // "<path>: "
+    cause = cause.size() > prefix ? cause.substr(prefix) : "cannot be saved";
+    if (rc == MPI_RET_SUCCESS) {
+        UIL_ERR("Cfg file not saved, driver given back the previous value of <%u,%s>", sectionType, orEmpty(item));
+        cause += "; the change was not kept";
+    } else {
+        UIL_ERR("Cfg file not saved, driver keeps the new value of <%u,%s>", sectionType, orEmpty(item));
+        cause += "; the driver could not be given back the previous value";
+    }
+    UIL_FileErrorNote(UIL_CfgFilePath(), cause.c_str());
+}
+
+// What the open document holds at `item` of the level, before a change.
+std::vector<UilUserCfgItem> itemBefore(uint32_t sectionType, const char* key, const char* item)
+{
+    const UilCfgParseStep* step = UIL_CfgGetParseStep(sectionType);
+    char xpath[UIL_CFG_XPATH_LEN];
+    xmlNode* node = nullptr;
+    if (step == nullptr || step->pfBuildItemXPath(key, item, xpath, sizeof(xpath)) != MPI_RET_SUCCESS ||
+        UIL_CfgFindNode(xpath, &node) != MPI_RET_SUCCESS) {
+        return {};
+    }
+    return storedItems(node, sectionType, false);
+}
 
 struct What {
     char text[UIL_CFG_XPATH_LEN];
@@ -103,35 +174,36 @@ uint32_t setWhole(const Level& level, const char* key, const char* item, const c
 {
     UIL_ASSERT(item != nullptr && value != nullptr);
     What what(level, key);
+    UIL_FileErrorClear();
+    auto end = endOfChange();
     uint32_t rc = UIL_CfgOpenFile(true);
     if (rc != MPI_RET_SUCCESS) {
         UIL_ERR("Init XML cfg file failed");
         return rc;
     }
+    std::vector<UilUserCfgItem> before = itemBefore(level.type, key, item);
     if (UIL_SetConfig(level.type, key, item, value) != MPI_RET_SUCCESS) {
         UIL_ERR("Set %s <%s=%s> failed", what.text, item, value);
-        (void)UIL_CfgCloseFile(false);
-        (void)UIL_CfgUnlockFile();
         return MPI_RET_FAIL;
     }
     if (notify && UIL_CfgNotifyItemToDriver(level.type, key, item, value) != MPI_RET_SUCCESS) {
         UIL_ERR("Notify %s <%s=%s> to driver failed", what.text, item, value);
-        (void)UIL_CfgCloseFile(false);
-        if (level.unlockWhenRefused) {
-            (void)UIL_CfgUnlockFile();
-        }
         return MPI_RET_FAIL;
     }
-    if (UIL_CfgCloseFile(true) != MPI_RET_SUCCESS) {
+    if (UIL_CfgCloseKeepLock(true) != MPI_RET_SUCCESS) {
         UIL_ERR("Save xml file failed");
+        if (notify) {
+            giveBackToDriver(level.type, key, item, before);
+        }
         return MPI_RET_FAIL;
     }
     return MPI_RET_SUCCESS;
 }
 
 // Finds and removes the item (or with no item the instance): 1024 removed,
-// 1056 absent, 1030 the expression failed.
-uint32_t removeNode(uint32_t sectionType, const char* key, const char* item)
+// 1056 absent, 1030 the expression failed. `removed` receives the valid
+// items that were there.
+uint32_t removeNode(uint32_t sectionType, const char* key, const char* item, std::vector<UilUserCfgItem>* removed)
 {
     const UilCfgParseStep* step = UIL_CfgGetParseStep(sectionType);
     char xpath[UIL_CFG_XPATH_LEN];
@@ -141,6 +213,7 @@ uint32_t removeNode(uint32_t sectionType, const char* key, const char* item)
     xmlNode* node = nullptr;
     uint32_t rc = UIL_CfgFindNode(xpath, &node);
     if (rc == MPI_RET_SUCCESS) {
+        *removed = storedItems(node, sectionType, item == nullptr);
         UIL_CfgDeleteNode(node);
     }
     return rc == MPI_RET_SUCCESS || rc == UIL_RET_CFG_NOT_FOUND ? rc : MPI_RET_FAIL;
@@ -154,30 +227,32 @@ uint32_t deleteConfig(const Level& level, uint32_t objectId, const char* key, co
     objectRecord->uiObjType = level.type;
     objectRecord->uiObjId = objectId;
 
+    UIL_FileErrorClear();
+    auto end = endOfChange();
     uint32_t rc = UIL_CfgOpenFile(true);
     if (rc != MPI_RET_SUCCESS) {
         UIL_ERR("Init XML cfg file failed");
         return rc;
     }
-    rc = removeNode(level.type, key, item);
+    std::vector<UilUserCfgItem> removed;
+    rc = removeNode(level.type, key, item, &removed);
+    if (rc == UIL_RET_CFG_NOT_FOUND) {
+        UIL_TRACE(MPI_LOG_INFO, "%s cfg (%s) is not found", level.section, key);
+        return MPI_RET_SUCCESS;
+    }
     if (rc != MPI_RET_SUCCESS) {
-        if (rc == UIL_RET_CFG_NOT_FOUND) {
-            UIL_TRACE(MPI_LOG_INFO, "%s cfg (%s) is not found", level.section, key);
-        } else {
-            UIL_ERR("Delete %s cfg (%s) failed", level.section, key);
-        }
-        (void)UIL_CfgCloseFile(false);
-        (void)UIL_CfgUnlockFile();
-        return rc == UIL_RET_CFG_NOT_FOUND ? MPI_RET_SUCCESS : MPI_RET_FAIL;
+        UIL_ERR("Delete %s cfg (%s) failed", level.section, key);
+        return MPI_RET_FAIL;
     }
     if (UIL_CfgDelFromDriver(level.type, key, item) != MPI_RET_SUCCESS) {
         UIL_ERR("Notify driver to delete %s cfg (%s) failed", level.section, key);
-        (void)UIL_CfgCloseFile(false);
-        (void)UIL_CfgUnlockFile();
         return MPI_RET_FAIL;
     }
-    if (UIL_CfgCloseFile(true) != MPI_RET_SUCCESS) {
+    if (UIL_CfgCloseKeepLock(true) != MPI_RET_SUCCESS) {
         UIL_ERR("Save xml file failed");
+        if (!removed.empty()) {
+            giveBackToDriver(level.type, key, item, removed);
+        }
         return MPI_RET_FAIL;
     }
     return MPI_RET_SUCCESS;

@@ -8,9 +8,13 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "mpi/mpi_file.h"
 #include "mpi/mpi_usr.h"
+#include "uil/uil.h"
 
 namespace {
+
+std::string g_strUILFileError;
 
 std::string dirOf(std::string_view path)
 {
@@ -55,6 +59,27 @@ private:
 
 }  // namespace
 
+void UIL_FileErrorClear() { g_strUILFileError.clear(); }
+
+void UIL_FileErrorNote(const char* path, const char* reason)
+{
+    g_strUILFileError = std::string(path) + ": " + reason;
+}
+
+const char* INTF_UIL_LastFileError() { return g_strUILFileError.c_str(); }
+
+UilFd UIL_OpenRegular(const char* path, int flags, mode_t mode)
+{
+    const char* reason = "";
+    UilFd fd(MPI_OpenRegular(path, flags, mode, &reason));
+    if (!fd.valid()) {
+        int err = errno;
+        UIL_FileErrorNote(path, reason);
+        errno = err;
+    }
+    return fd;
+}
+
 bool UIL_WriteAll(int fd, std::string_view bytes)
 {
     size_t done = 0;
@@ -77,23 +102,28 @@ bool UIL_ReplaceFile(const char* path, std::string_view bytes, mode_t mode, UilR
     UilFd fd(mkostemp(name.data(), O_CLOEXEC));
     if (!fd.valid()) {
         UIL_ERR("Create temporary file for %s failed: %s", path, std::strerror(errno));
+        UIL_FileErrorNote(path, std::strerror(errno));
         return false;
     }
     TempFile temp(name);
     if (!UIL_WriteAll(fd.get(), bytes) || fchmod(fd.get(), mode & 07777) != 0 || fsync(fd.get()) != 0) {
         UIL_ERR("Write temporary file %s failed: %s", temp.name(), std::strerror(errno));
+        UIL_FileErrorNote(path, std::strerror(errno));
         return false;
     }
     if (!fd.closeChecked()) {
         UIL_ERR("Close temporary file %s failed: %s", temp.name(), std::strerror(errno));
+        UIL_FileErrorNote(path, std::strerror(errno));
         return false;
     }
     if (check != nullptr && !check(temp.name())) {
         UIL_ERR("Temporary file %s does not read back as expected", temp.name());
+        UIL_FileErrorNote(path, "what was written does not read back");
         return false;
     }
     if (rename(temp.name(), path) != 0) {
         UIL_ERR("Rename %s to %s failed: %s", temp.name(), path, std::strerror(errno));
+        UIL_FileErrorNote(path, std::strerror(errno));
         return false;
     }
     temp.keep();

@@ -50,6 +50,11 @@ private:
     int m_fd = -1;
 };
 
+// Opens a file the layer reads or writes (MPI_OpenRegular): never blocks
+// on a FIFO, takes nothing but a regular file; a failure is noted with its
+// cause (UIL_FileErrorNote) and errno kept.
+UilFd UIL_OpenRegular(const char* path, int flags, mode_t mode = 0600);
+
 // Writes all of `bytes`, resuming after signals; false on any error.
 bool UIL_WriteAll(int fd, std::string_view bytes);
 
@@ -65,6 +70,12 @@ using UilReplaceCheck = bool (*)(const char* tempName);
 // renamed over `path`, the directory synced. On failure `path` is as it
 // was and the temporary file is gone; the cause is in the trace log.
 bool UIL_ReplaceFile(const char* path, std::string_view bytes, mode_t mode, UilReplaceCheck check = nullptr);
+
+// The cause of the last failure on a file the layer reads or writes, as
+// "<path>: <reason>", for the shell to name it (this layer never prints).
+// Each change clears it when it begins; "" when nothing failed.
+void UIL_FileErrorClear();
+void UIL_FileErrorNote(const char* path, const char* reason);
 
 // Removes the temporary files a killed writer left next to `path`.
 void UIL_RemoveStaleTemps(const char* path);

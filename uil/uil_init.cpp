@@ -3,11 +3,15 @@
 #include "uia/uia.h"
 #include "uil/uil.h"
 #include "uil/uil_cfg.h"
+#include "uil/uil_file.h"
 
 uint32_t INTF_UIL_Init()
 {
     UIL_GetLogPathName();
+    UIL_FileErrorClear();
     if (UIL_LogInit() != MPI_RET_SUCCESS) {
+        // Named for the shell: otherwise only the device would be blamed.
+        UIL_FileErrorNote(g_pstUILLogTracePath, MPI_LogInitFailure());
         return UIL_TRACE_INIT_FAIL;
     }
     uint32_t rc = UIL_CfgInit();

@@ -6,6 +6,7 @@
 // serial file is replaced as a whole (temporary file, fsync, rename).
 #include <fcntl.h>
 #include <pwd.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -18,10 +19,13 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <thread>
 
 #include "bounded/bounded.h"
+#include "mpi/mpi_number.h"
 #include "mpi/mpi_root.h"
+#include "uil/uil.h"
 #include "uil/uil_file.h"
 #include "uil/uil_oper.h"
 
@@ -30,7 +34,7 @@ namespace {
 constexpr size_t kUserLen = 32;
 constexpr size_t kDateLen = 40;
 constexpr size_t kMaxFields = 11;
-constexpr size_t kSerialFileMax = 4096;  // the number and whatever text follows it
+constexpr size_t kSerialFileMax = 64 << 10;  // the number and whatever text follows it
 
 UilOperLogRetry g_stOperLogRetry = UIL_OPER_LOG_RETRY;
 
@@ -48,19 +52,6 @@ const char* operLogPath()
 
 std::string serialPath() { return MPI_HostPath(UIL_OPER_SERIAL_PATH); }
 
-// The log directory and its missing parents; the log directory itself is
-// private to root.
-void makeLogDir()
-{
-    std::string dir = MPI_HostPath(MPI_LOG_DIR);
-    for (size_t i = 1; i < dir.size(); ++i) {
-        if (dir[i] == '/') {
-            bool last = i == dir.size() - 1;
-            (void)mkdir(dir.substr(0, i).c_str(), last ? 0600 : 0755);
-        }
-    }
-}
-
 void pause(uint32_t ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
 
 UilFd openForAppend(const char* path)
@@ -69,11 +60,12 @@ UilFd openForAppend(const char* path)
         if (attempt > 0) {
             pause(g_stOperLogRetry.delayMs);
         }
-        UilFd fd(open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600));
-        if (fd.valid()) {
+        // Never through a symbolic link, never into a FIFO or a device.
+        UilFd fd = UIL_OpenRegular(path, O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW, 0600);
+        if (fd.valid() || errno != ENOENT) {
             return fd;
         }
-        makeLogDir();
+        MPI_MakeLogDir();
     }
     return UilFd();
 }
@@ -125,17 +117,35 @@ void blankControlCharacters(std::string& line)
 UilFd openSerialFile(const std::string& path)
 {
     // The file is never created here: without it there is no line at all.
-    int openErrno = 0;
     for (uint32_t attempt = 0; attempt < g_stOperLogRetry.attempts; ++attempt) {
-        UilFd fd(open(path.c_str(), O_RDWR | O_CLOEXEC));
-        if (fd.valid()) {
+        UilFd fd = UIL_OpenRegular(path.c_str(), O_RDONLY | O_NOFOLLOW);
+        if (fd.valid() || errno != ENOENT) {
             return fd;
         }
-        openErrno = errno;
-        makeLogDir();
+        MPI_MakeLogDir();
     }
-    errno = openErrno;
     return UilFd();
+}
+
+// Read, increment and replace happen under an exclusive lock on a file
+// beside the serial file, so that two writers never take the same number.
+// The lock dies with its holder.
+UilFd lockSerial(const std::string& path)
+{
+    std::string lockPath = path + UIL_OPER_SERIAL_LOCK_SUFFIX;
+    UilFd fd = UIL_OpenRegular(lockPath.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW, 0600);
+    if (!fd.valid()) {
+        UIL_ERR("Open file [%s] failed: %s", lockPath.c_str(), std::strerror(errno));
+        return fd;
+    }
+    while (flock(fd.get(), LOCK_EX) != 0) {
+        if (errno != EINTR) {
+            UIL_ERR("Lock file [%s] failed: %s", lockPath.c_str(), std::strerror(errno));
+            UIL_FileErrorNote(lockPath.c_str(), std::strerror(errno));
+            return UilFd();
+        }
+    }
+    return fd;
 }
 
 bool readSerialFile(int fd, const std::string& path, std::string* content)
@@ -144,42 +154,51 @@ bool readSerialFile(int fd, const std::string& path, std::string* content)
         UIL_ERR("move file [%s] pointer failed", path.c_str());
         return false;
     }
-    char buffer[kSerialFileMax];
-    size_t have = 0;
-    while (have < sizeof(buffer)) {
-        ssize_t n = read(fd, buffer + have, sizeof(buffer) - have);
+    struct stat st {};
+    if (fstat(fd, &st) != 0 || static_cast<size_t>(st.st_size) > kSerialFileMax) {
+        // Rewriting it whole would copy it all; cutting it would lose text.
+        UIL_ERR("File [%s] is too large for a serial number", path.c_str());
+        UIL_FileErrorNote(path.c_str(), "too large for a serial number file");
+        return false;
+    }
+    content->clear();
+    char buffer[4096];
+    for (;;) {
+        ssize_t n = read(fd, buffer, sizeof(buffer));
         if (n < 0 && errno == EINTR) {
             continue;
         }
         if (n < 0) {
             UIL_ERR("Read file [%s] failed: %s", path.c_str(), std::strerror(errno));
+            UIL_FileErrorNote(path.c_str(), std::strerror(errno));
             return false;
         }
-        if (n == 0) {
-            break;
+        if (n == 0 || content->size() + static_cast<size_t>(n) > kSerialFileMax) {
+            return n == 0;
         }
-        have += static_cast<size_t>(n);
+        content->append(buffer, static_cast<size_t>(n));
     }
-    content->assign(buffer, have);
-    return true;
 }
 
-// The number is the decimal value of the first nine characters (as atoi
-// reads them), 0 for an empty file.
-int32_t serialOf(const std::string& content)
+// The number is the decimal value of the digits that begin the first nine
+// characters; an empty file, or one that begins with anything but a digit
+// ("-5", "abc"), holds 0. Nine digits at most: the next number always fits.
+uint32_t serialOf(const std::string& content)
 {
-    char digits[UIL_OPER_SERIAL_DIGITS + 1] = {};
-    (void)memcpy_s(digits, sizeof(digits), content.data(), std::min<size_t>(content.size(), UIL_OPER_SERIAL_DIGITS));
-    return std::atoi(digits);
+    std::string_view head(content.data(), std::min<size_t>(content.size(), UIL_OPER_SERIAL_DIGITS));
+    size_t digits = 0;
+    while (digits < head.size() && head[digits] >= '0' && head[digits] <= '9') {
+        ++digits;
+    }
+    uint32_t serial = 0;
+    return digits > 0 && MPI_ToU32(head.substr(0, digits), &serial) ? serial : 0;
 }
 
 // The new number is written over the start of the old text, which is not
 // cut: "99" becomes "100", "1000000000" becomes "1000000010".
-std::string overwriteStart(const std::string& content, int32_t serial)
+std::string overwriteStart(const std::string& content, uint32_t serial)
 {
-    char digits[16];
-    (void)snprintf_s(digits, sizeof(digits), sizeof(digits) - 1, "%d", serial);
-    std::string next = digits;
+    std::string next = std::to_string(serial);
     if (content.size() > next.size()) {
         next += content.substr(next.size());
     }
@@ -191,7 +210,12 @@ std::string overwriteStart(const std::string& content, int32_t serial)
 
 void copyField(char* out, size_t size, const char* field) { (void)strncpy_s(out, size, field, size - 1); }
 
-uint32_t fieldAsUint(const char* field) { return static_cast<uint32_t>(std::strtoul(field, nullptr, 10)); }
+// A number field of a line; what is no number reads as 0.
+uint32_t fieldAsUint(const char* field)
+{
+    uint32_t value = 0;
+    return MPI_ToU32(field, &value) ? value : 0;
+}
 
 // Splits a line at "[" (at most 11 pieces) and cuts every piece at "]".
 // Returns the number of fields, or 0 for a line with too many pieces.
@@ -236,9 +260,16 @@ bool fillEntry(char** fields, size_t count, UilOperLogEntry* entry)
 FILE* openForReading(const char* path)
 {
     for (uint32_t attempt = 0; attempt < g_stOperLogRetry.attempts; ++attempt) {
-        FILE* file = std::fopen(path, "re");
-        if (file != nullptr) {
+        UilFd fd = UIL_OpenRegular(path, O_RDONLY);
+        if (fd.valid()) {
+            FILE* file = fdopen(fd.get(), "r");
+            if (file != nullptr) {
+                (void)fd.release();
+            }
             return file;
+        }
+        if (errno != ENOENT) {
+            break;
         }
     }
     return nullptr;
@@ -265,17 +296,23 @@ uint32_t UIL_IncreaseAndGetOperSN(uint32_t* serial)
         UIL_ERR("Open file [%s] failed: %s", path.c_str(), std::strerror(errno));
         return MPI_RET_FAIL;
     }
-    struct stat st {};
-    std::string content;
-    if (fstat(fd.get(), &st) != 0 || !readSerialFile(fd.get(), path, &content)) {
+    fd.reset();  // it exists; the lock file is made only then
+    UilFd lock = lockSerial(path);
+    if (!lock.valid()) {
         return MPI_RET_FAIL;
     }
-    int32_t next = serialOf(content) + 1;
+    fd = openSerialFile(path);  // what the last holder of the lock left
+    struct stat st {};
+    std::string content;
+    if (!fd.valid() || fstat(fd.get(), &st) != 0 || !readSerialFile(fd.get(), path, &content)) {
+        return MPI_RET_FAIL;
+    }
+    uint32_t next = serialOf(content) + 1;
     if (!UIL_ReplaceFile(path.c_str(), overwriteStart(content, next), st.st_mode)) {
         UIL_ERR("fseek file [%s] seek set failed", path.c_str());
         return MPI_RET_FAIL;
     }
-    *serial = static_cast<uint32_t>(next);
+    *serial = next;
     return MPI_RET_SUCCESS;
 }
 
@@ -284,9 +321,13 @@ uint32_t UIL_OperLog(const char* source, const char* verb, const char* command, 
 {
     UIL_ASSERT(source != NULL);
     const char* path = operLogPath();
+    UIL_FileErrorClear();
     UilFd fd = openForAppend(path);
     if (!fd.valid()) {
         UIL_ERR("Open oper log file [%s] failed", path);
+        if (*INTF_UIL_LastFileError() == '\0') {
+            UIL_FileErrorNote(path, std::strerror(errno));
+        }
         return UIL_OPERLOG_OPEN_FAIL;
     }
     char user[kUserLen] = {};
@@ -299,6 +340,9 @@ uint32_t UIL_OperLog(const char* source, const char* verb, const char* command, 
     UIL_GetDate(date, sizeof(date));
     uint32_t serial = 0;
     if (UIL_IncreaseAndGetOperSN(&serial) != MPI_RET_SUCCESS) {
+        if (*INTF_UIL_LastFileError() == '\0') {
+            UIL_FileErrorNote(serialPath().c_str(), "no serial number could be taken");
+        }
         return MPI_RET_FAIL;
     }
     std::string line;
@@ -309,6 +353,7 @@ uint32_t UIL_OperLog(const char* source, const char* verb, const char* command, 
     line += '\n';
     if (!UIL_WriteAll(fd.get(), line) || !fd.closeChecked()) {
         UIL_ERR("Write oper log file [%s] failed: %s", path, std::strerror(errno));
+        UIL_FileErrorNote(path, std::strerror(errno));
         return MPI_RET_FAIL;
     }
     return MPI_RET_SUCCESS;

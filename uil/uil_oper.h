@@ -223,6 +223,8 @@ uint32_t UIL_IncreaseAndGetOperSN(uint32_t* serial);
 
 inline constexpr const char UIL_OPER_SERIAL_PATH[] = "/opt/Corvane/log/serial_oper";
 inline constexpr uint32_t UIL_OPER_SERIAL_DIGITS = 9;
+// Beside the serial file: its lock, taken around read, increment, replace.
+inline constexpr const char UIL_OPER_SERIAL_LOCK_SUFFIX[] = ".lock";
 
 // How hard the log is tried before giving up: 20 opens one second apart.
 // Tests shorten the wait; returns the setting in force before.

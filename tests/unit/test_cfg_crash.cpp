@@ -8,11 +8,18 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <fcntl.h>
+
 #include <array>
+#include <map>
+#include <set>
+#include <sstream>
 #include <chrono>
 #include <random>
 
+#include "bounded/bounded.h"
 #include "support/cfg_fixture.h"
+#include "uil/uil_oper.h"
 
 using namespace cfgtest;
 
@@ -210,6 +217,160 @@ TEST_F(CfgProcesses, TwoRacingWritersNeverLoseASavedChange)
         EXPECT_TRUE(parsesAsConfig(bakPath()));
         EXPECT_EQ(valueAt(cfgPath(), "/cvcfg/array/arraySN1/io_timeout"), "200");
     }
+}
+
+// ---------------------------------------------------------------------------
+// Many writers, each change followed by its operation-log line as the shell
+// writes it. The driver's state is what it was told last: every request
+// is appended, in the order the driver received it, to a file the writers
+// share. CVADM_STRESS_FULL=1 runs the full size (16 writers x 50 changes).
+
+std::string driverLogPath() { return sandbox() + "/driver_requests"; }
+
+void appendDriverRequest(const Sent& s)
+{
+    std::string line;
+    if (s.code == kNotifyCode) {
+        for (size_t i = 0; i < s.bytes[40]; ++i) {
+            line += std::string(reinterpret_cast<const char*>(&s.bytes[44 + 96 * i])) + "=" +
+                    reinterpret_cast<const char*>(&s.bytes[44 + 96 * i + 32]) + "\n";
+        }
+    } else if (s.code == kDeleteCode) {
+        line = std::string(reinterpret_cast<const char*>(&s.bytes[37])) + "=\n";
+    }
+    int fd = open(driverLogPath().c_str(), O_WRONLY | O_APPEND | O_CREAT, 0600);
+    (void)!write(fd, line.data(), line.size());
+    close(fd);
+}
+
+// What the driver holds for each item after all requests.
+std::map<std::string, std::string> driverState()
+{
+    std::map<std::string, std::string> state;
+    std::istringstream in(readFile(driverLogPath()));
+    for (std::string line; std::getline(in, line);) {
+        size_t eq = line.find('=');
+        state[line.substr(0, eq)] = line.substr(eq + 1);
+    }
+    return state;
+}
+
+constexpr const char* kStressItems[] = {"io_timeout", "iosuspensiontime"};
+
+// Changes `count` values, logging each applied one; reports its successes.
+[[noreturn]] void stressWriter(int writer, int count, int resultFd)
+{
+    FakeDriver::get().onSend = appendDriverRequest;
+    uint32_t applied = 0;
+    for (int i = 0; i < count; ++i) {
+        const char* item = kStressItems[i % 2];
+        std::string value = std::to_string(1 + writer * 1000 + i);
+        if (UIL_SetCommonConfig(item, value.c_str()) == MPI_RET_SUCCESS) {
+            UilOperLogPara record{};
+            (void)strcpy_s(record.szValue, sizeof(record.szValue), value.c_str());
+            if (UIL_OperLog("CLI", "set", (std::string(" ") + item + "=" + value).c_str(), 0x53415127, 1,
+                            &record) == MPI_RET_SUCCESS) {
+                ++applied;
+            }
+        }
+    }
+    (void)!write(resultFd, &applied, sizeof(applied));
+    _exit(0);
+}
+
+struct LogCheck {
+    size_t lines = 0;
+    bool uniqueSerials = true;
+};
+
+LogCheck checkOperLog()
+{
+    LogCheck check;
+    std::set<unsigned long> serials;
+    std::istringstream in(readFile(sandbox() + "/opt/Corvane/log/oper_log"));
+    for (std::string line; std::getline(in, line);) {
+        ++check.lines;
+        check.uniqueSerials = serials.insert(std::stoul(line.substr(1))).second && check.uniqueSerials;
+    }
+    return check;
+}
+
+void freshLogs()
+{
+    fs::remove(sandbox() + "/opt/Corvane/log/oper_log");
+    fs::remove(driverLogPath());
+    writeFile(sandbox() + "/opt/Corvane/log/serial_oper", "0");
+}
+
+bool fullStress()
+{
+    const char* full = std::getenv("CVADM_STRESS_FULL");
+    return full != nullptr && std::string(full) == "1";
+}
+
+TEST_F(CfgProcesses, ParallelWritersAgreeWithTheDriverAndLogEveryChange)
+{
+    const int writers = fullStress() ? 16 : 4;
+    const int changes = fullStress() ? 50 : 10;
+    freshLogs();
+    int out[2];
+    ASSERT_EQ(pipe(out), 0);
+    std::vector<pid_t> pids;
+    for (int w = 0; w < writers; ++w) {
+        pid_t pid = fork();
+        ASSERT_GE(pid, 0);
+        if (pid == 0) {
+            close(out[0]);
+            stressWriter(w, changes, out[1]);
+        }
+        pids.push_back(pid);
+    }
+    close(out[1]);
+    uint32_t applied = 0;
+    for (uint32_t n = 0; read(out[0], &n, sizeof(n)) == static_cast<ssize_t>(sizeof(n));) {
+        applied += n;
+    }
+    close(out[0]);
+    for (pid_t pid : pids) {
+        waitpid(pid, nullptr, 0);
+    }
+    ASSERT_TRUE(parsesAsConfig(cfgPath()));
+    EXPECT_GT(applied, 0u);
+    std::map<std::string, std::string> driver = driverState();
+    for (const char* item : kStressItems) {
+        std::optional<std::string> stored = valueAt(cfgPath(), std::string("/cvcfg/common/") + item);
+        EXPECT_EQ(stored.value_or(""), driver[item]) << item;
+    }
+    LogCheck log = checkOperLog();
+    EXPECT_EQ(log.lines, applied);
+    EXPECT_TRUE(log.uniqueSerials);
+    EXPECT_EQ(readFile(sandbox() + "/opt/Corvane/log/serial_oper"), std::to_string(log.lines));
+}
+
+// Writers killed at random instants: the document always parses, the
+// serial file always holds a number, and no serial number is used twice.
+TEST_F(CfgProcesses, KilledWritersLeaveAParseableFileAndUniqueSerials)
+{
+    const int trials = fullStress() ? 200 : 20;
+    freshLogs();
+    std::mt19937 random(20261123);
+    std::uniform_int_distribution<long> delay(0, 60000);
+    for (int trial = 0; trial < trials; ++trial) {
+        pid_t pid = fork();
+        ASSERT_GE(pid, 0);
+        if (pid == 0) {
+            stressWriter(trial, 1000, -1);
+        }
+        sleepMicros(delay(random));
+        kill(pid, SIGKILL);
+        waitpid(pid, nullptr, 0);
+        ASSERT_TRUE(parsesAsConfig(cfgPath())) << "trial " << trial;
+        std::string serial = readFile(sandbox() + "/opt/Corvane/log/serial_oper");
+        ASSERT_FALSE(serial.empty()) << "trial " << trial;
+        ASSERT_EQ(serial.find_first_not_of("0123456789"), std::string::npos) << "trial " << trial;
+    }
+    LogCheck log = checkOperLog();
+    EXPECT_TRUE(log.uniqueSerials);
 }
 
 }  // namespace

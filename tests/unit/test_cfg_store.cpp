@@ -4,15 +4,18 @@
 // the start-up parse, the upgrade merge, and the file-safety rules.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstring>
 #include <functional>
 #include <set>
 
 #include "support/cfg_fixture.h"
+#include "uil/uil.h"
 #include "uil/uil_cfg_int.h"
 
 using namespace cfgtest;
@@ -69,8 +72,12 @@ TEST_F(CfgStore, ItemValueRules)
         {"io_timeout", 100, "+5", kInvalid},         {"io_timeout", 100, "-1", kInvalid},
         {"io_timeout", 100, "5 ", kInvalid},         {"io_timeout", 100, " 5", kInvalid},
         {"io_timeout", 100, "", kInvalid},           {"io_timeout", 102, "30", kValid},
-        {"io_timeout", 100, "4294967296", kInvalid},  // converts to 0
-        {"workingmode", 100, "4294967296", kValid},   // converts to 0, within 0-1
+        // Nothing wraps: beyond 2^32-1 is out of range like any value above the maximum.
+        {"io_timeout", 100, "4294967296", kInvalid}, {"workingmode", 100, "4294967296", kInvalid},
+        {"io_latency_threshold", 100, "4294967296", kInvalid}, {"tod_time", 100, "4294967896", kInvalid},
+        {"performance_record_startl", 100, "4294967296", kInvalid},
+        {"performance_record_startl", 100, "18446744073709551616", kInvalid},
+        {"workingmode", 100, "00000000000000000000001", kValid},
         {"workingmode", 100, "2", kInvalid},
         {"loadbalancemode", 101, "round-robin", kValid}, {"loadbalancemode", 101, "min-task", kValid},
         {"loadbalancemode", 101, "Round-Robin", kInvalid}, {"loadbalancemode", 101, "", kInvalid},
@@ -183,17 +190,15 @@ struct LevelCase {
     uint32_t type;
     const char* key;
     const char* xpath;
-    bool lockKeptWhenRefused;
 };
 
 uint32_t setCommon(const char*, const char* item, const char* value) { return UIL_SetCommonConfig(item, value); }
 
 const LevelCase kLevels[] = {
-    {"common", setCommon, 100, "", "/cvcfg/common/io_timeout", true},
-    {"array", UIL_SetArrayConfig, 101, "21000022A1B2C3D4E5F6", "/cvcfg/array/array21000022A1B2C3D4E5F6/io_timeout",
-     false},
-    {"lun", UIL_SetLunConfig, 102, "6001405abcdef0123456789abcdef012", "/cvcfg/lun/lun6001405abcdef0123456789abcdef012/io_timeout",
-     true},
+    {"common", setCommon, 100, "", "/cvcfg/common/io_timeout"},
+    {"array", UIL_SetArrayConfig, 101, "21000022A1B2C3D4E5F6", "/cvcfg/array/array21000022A1B2C3D4E5F6/io_timeout"},
+    {"lun", UIL_SetLunConfig, 102, "6001405abcdef0123456789abcdef012",
+     "/cvcfg/lun/lun6001405abcdef0123456789abcdef012/io_timeout"},
 };
 
 // At each level the driver hears of the change while the file still holds
@@ -218,8 +223,8 @@ TEST_F(CfgStore, DriverHearsBeforeTheFileHoldsTheChange)
         EXPECT_EQ(c.set(c.key, "io_timeout", "77"), MPI_RET_FAIL);
         EXPECT_EQ(driver().count(kNotifyCode), 1u);
         EXPECT_EQ(readFile(cfgPath()), kSmallDoc);
-        // The array change drops the lock; the others keep it to process exit.
-        EXPECT_EQ(lockFreeForOthers(), !c.lockKeptWhenRefused);
+        // A refused change ends like any other: the lock is free again.
+        EXPECT_TRUE(lockFreeForOthers());
     }
 }
 
@@ -297,6 +302,90 @@ const char kLevelsDoc[] =
     "<cvcfg><common><io_timeout>100</io_timeout></common>"
     "<array><arraySN1><io_timeout>200</io_timeout><loadbalancemode>min-task</loadbalancemode></arraySN1></array>"
     "<lun><lunW1><io_timeout>300</io_timeout><luntrespass>0</luntrespass></lunW1></lun></cvcfg>";
+
+// A file system that takes no more data: the save of every write fails
+// from the first driver request of a change on, until the next request.
+struct FullDisk {
+    static void onSend(const Sent&)
+    {
+        static bool full = false;
+        full = !full;
+        rlimit limit{};
+        getrlimit(RLIMIT_FSIZE, &limit);
+        limit.rlim_cur = full ? 1 : limit.rlim_max;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    FullDisk()
+    {
+        signal(SIGXFSZ, SIG_IGN);
+        FakeDriver::get().onSend = onSend;
+    }
+};
+
+// When the driver took a change that cannot be saved, it is given back what
+// the file still holds (the previous value, or its absence), the change
+// fails, the lock is free and the cause names the file.
+TEST_F(CfgStore, UnsavedChangeIsGivenBackToTheDriver)
+{
+    struct Case {
+        const char* name;
+        std::function<uint32_t()> change;
+        std::vector<uint8_t> givenBack;
+    };
+    UilOperLogPara rec{};
+    const Case cases[] = {
+        {"absent before", [] { return UIL_SetCommonConfig("io_timeout", "77"); }, deleteBytes(100, "", "io_timeout")},
+        {"common value", [] { return UIL_SetCommonConfig("io_timeout", "77"); },
+         notifyBytes(100, "", {{"io_timeout", "100"}})},
+        {"array value", [] { return UIL_SetArrayConfig("SN1", "loadbalancemode", "round-robin"); },
+         notifyBytes(101, "SN1", {{"loadbalancemode", "min-task"}})},
+        {"lun item deleted", [&] { return INTF_UIL_DelLunConfig("CLI", 4, "W1", "luntrespass", &rec); },
+         notifyBytes(102, "W1", {{"luntrespass", "0"}})},
+        {"lun instance deleted", [&] { return INTF_UIL_DelLunConfig("CLI", 4, "W1", nullptr, &rec); },
+         notifyBytes(102, "W1", {{"io_timeout", "300"}, {"luntrespass", "0"}})},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        restart();
+        std::string doc = c.name == std::string("absent before") ? kSmallDoc : kLevelsDoc;
+        writeFile(cfgPath(), doc);
+        FullDisk full;
+        EXPECT_EQ(c.change(), MPI_RET_FAIL);
+        ASSERT_EQ(driver().sent.size(), 2u);
+        EXPECT_EQ(driver().sent[1].bytes, c.givenBack);
+        EXPECT_EQ(readFile(cfgPath()), doc);
+        EXPECT_TRUE(lockFreeForOthers());
+        std::string cause = INTF_UIL_LastFileError();
+        EXPECT_EQ(cause.rfind(cfgPath() + ": File too large; the change was not kept", 0), 0u) << cause;
+    }
+    // The cause belongs to the change that failed: the next one clears it.
+    restart();
+    ASSERT_EQ(UIL_SetCommonConfig("io_timeout", "77"), MPI_RET_SUCCESS);
+    EXPECT_STREQ(INTF_UIL_LastFileError(), "");
+}
+
+// A FIFO in place of the document or of its lock is refused at once (it
+// would otherwise hang the change, holding the lock), and named.
+TEST_F(CfgStore, OddFilesAreRefusedNotWaitedOn)
+{
+    struct Case {
+        std::string path;
+        uint32_t rc;
+    };
+    for (const Case& c : {Case{cfgPath(), UIL_RET_CFG_LOAD_FAIL}, Case{lockPath(), MPI_RET_FAIL}}) {
+        SCOPED_TRACE(c.path);
+        restart();
+        fs::remove(c.path);
+        ASSERT_EQ(mkfifo(c.path.c_str(), 0600), 0);
+        bool done = inOtherProcess([&] {
+            alarm(5);
+            return UIL_SetCommonConfig("io_timeout", "77") == c.rc &&
+                   std::string(INTF_UIL_LastFileError()) == c.path + ": not a regular file";
+        });
+        EXPECT_TRUE(done);
+        fs::remove(c.path);
+    }
+}
 
 TEST_F(CfgStore, Deleting)
 {
@@ -406,7 +495,7 @@ TEST_F(CfgStore, FullConfigConversions)
               "<performance_record>1</performance_record></common>"
               "<array><arraySN1><ds_primary>short</ds_primary><ds_split_size>4096</ds_split_size></arraySN1></array>"
               "<lun><lunW1><ds_primary>2100112233445566778899</ds_primary><ds_mode>other</ds_mode>"
-              "<loadbalancemode>round-robin-extended</loadbalancemode></lunW1></lun></cvcfg>");
+              "</lunW1></lun></cvcfg>");
     driver().defaultPrimarySn = "ABCDEFGHIJ0123456789";
     UilFullCfg cfg{};
     ASSERT_EQ(INTF_UIL_GetFullConfig("W9", "SN1", &cfg), MPI_RET_SUCCESS);
@@ -426,7 +515,42 @@ TEST_F(CfgStore, FullConfigConversions)
     ASSERT_EQ(INTF_UIL_GetFullConfig("W1", "SN1", &cfg), MPI_RET_SUCCESS);
     EXPECT_STREQ(cfg.szDsPrimary, "2100112233445566778899");  // 20 or more characters: as it is
     EXPECT_EQ(cfg.uiDsMode, 1u);
-    EXPECT_STREQ(cfg.szLbPolicy, "");  // too long for its field: left unchanged
+}
+
+// A stored value is held to the rules of a typed one: a damaged value is
+// reported (1025), never read as 0 or as what atoi makes of it.
+TEST_F(CfgStore, InvalidStoredValuesAreReportedNotConverted)
+{
+    const struct {
+        const char* doc;
+        const char* item;
+    } cases[] = {
+        {"<common><io_latency_threshold>twenty</io_latency_threshold></common>", "io_latency_threshold"},
+        {"<common><io_latency_threshold></io_latency_threshold></common>", "io_latency_threshold"},
+        {"<common><io_latency_threshold>-5</io_latency_threshold></common>", "io_latency_threshold"},
+        {"<common><io_latency_threshold>4294967316</io_latency_threshold></common>", "io_latency_threshold"},
+        {"<common><tod_time>30</tod_time></common>", "tod_time"},
+        {"<lun><lunW1><loadbalancemode>round-robin-extended</loadbalancemode></lunW1></lun>", "loadbalancemode"},
+        {"<array><arraySN1><workingmode>2</workingmode></arraySN1></array>", "workingmode"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.doc);
+        writeFile(cfgPath(), std::string("<cvcfg>") + c.doc + "</cvcfg>");
+        char value[UIL_CFG_ITEM_VALUE_LEN] = "unset";
+        ASSERT_EQ(UIL_CfgOpenFile(false), MPI_RET_SUCCESS);
+        EXPECT_EQ(UIL_GetOneOfFullConfig("W1", "SN1", c.item, value, sizeof(value)), UIL_RET_CFG_INVALID_ITEM);
+        (void)UIL_CfgCloseFile(false);
+        UilFullCfg cfg{};
+        uint32_t want = UIL_RET_CFG_INVALID_ITEM;
+        if (c.item == std::string("io_latency_threshold")) {
+            want = MPI_RET_SUCCESS;  // not a field of the record
+        }
+        EXPECT_EQ(INTF_UIL_GetFullConfig("W1", "SN1", &cfg), want);
+    }
+    // An item that does not belong to a level was never stored there.
+    writeFile(cfgPath(), "<cvcfg><lun><lunW1><tod_time>90</tod_time></lunW1></lun></cvcfg>");
+    char value[UIL_CFG_ITEM_VALUE_LEN] = "unset";
+    EXPECT_EQ(UIL_GetLunConfig("W1", "tod_time", value, sizeof(value), true), UIL_RET_CFG_NOT_FOUND);
 }
 
 // A read access that fails half-way rewrites the file, but never over a

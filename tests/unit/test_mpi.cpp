@@ -1,6 +1,9 @@
 // Base services: log codes, trace line format, full names, allocation,
 // the guarded counter and the intrusive list.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -14,6 +17,7 @@
 #include "mpi/mpi_root.h"
 #include "mpi/mpi_usr.h"
 #include "support/test_files.h"
+#include "uil/uil.h"
 
 namespace fs = std::filesystem;
 
@@ -101,6 +105,41 @@ TEST(LogPaths, LogFilesLieUnderTheLogDirectory)
     std::string dir = sandbox() + "/opt/Corvane/log/";
     EXPECT_EQ(dir + "event_log", g_pstUILLogEventPath);
     EXPECT_EQ(dir + "alarm_time_log.txt", g_pstUILLogTimePath);
+}
+
+// A trace log that cannot be used fails the start-up with its fixed text,
+// and the cause names the file, not the device; a FIFO in its place is
+// refused at once. Run in a child: the child's output is its own.
+TEST(LogInit, UnusableTraceLogNamesTheFile)
+{
+    struct Case {
+        const char* what;
+        void (*make)(const std::string& path);
+        const char* reason;
+    };
+    const Case cases[] = {
+        {"directory", [](const std::string& p) { fs::create_directories(p); }, "not a regular file"},
+        {"fifo", [](const std::string& p) { (void)mkfifo(p.c_str(), 0600); }, "not a regular file"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        UIL_GetLogPathName();
+        fs::remove_all(traceFile());
+        c.make(traceFile());
+        pid_t pid = fork();
+        if (pid == 0) {
+            alarm(5);
+            bool ok = INTF_UIL_Init() == UIL_TRACE_INIT_FAIL && MPI_LogInitFailure() != nullptr &&
+                      std::string(INTF_UIL_LastFileError()) == traceFile() + ": " + c.reason;
+            _exit(ok ? 0 : 1);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(pid, &status, 0), pid);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+        fs::remove_all(traceFile());
+    }
+    EXPECT_EQ(UIL_LogInit(), MPI_RET_SUCCESS);
+    EXPECT_EQ(MPI_LogInitFailure(), nullptr);
 }
 
 TEST(ZMalloc, LimitsAndZeroFill)

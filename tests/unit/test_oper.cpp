@@ -2,21 +2,25 @@
 // the line format, and reading the log back.
 #include <gtest/gtest.h>
 #include <iconv.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <regex>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "mpi/mpi_root.h"
 #include "support/test_files.h"
+#include "uil/uil.h"
 #include "uil/uil_oper.h"
 
 namespace fs = std::filesystem;
@@ -301,6 +305,12 @@ TEST(OperSerialFile, ReadsNineDigitsAndWritesOverTheStart)
         {"abc", 1, "1bc"},
         {"0042", 43, "4342"},
         {"999999999", 1000000000, "1000000000"},
+        // Nothing wraps: a sign or a letter first reads as 0, and only nine
+        // digits are read, so the next number always fits.
+        {"-5", 1, "15"},
+        {"+7", 1, "17"},
+        {"99999999999999999999", 1000000000, "10000000009999999999"},
+        {"4294967295", 429496730, "4294967305"},
     };
     for (const auto& c : cases) {
         writeFile(serialFile(), c.before);
@@ -332,7 +342,7 @@ TEST(OperSerialFile, ReplacementKeepsModeAndLeavesNoTemporaryFile)
     EXPECT_EQ(fs::status(serialFile()).permissions() & fs::perms::all,
               fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
     for (const auto& entry : fs::directory_iterator(logDir())) {
-        EXPECT_EQ(entry.path().filename().string().find("serial_oper."), std::string::npos) << entry.path();
+        EXPECT_EQ(entry.path().filename().string().find(".tmp."), std::string::npos) << entry.path();
     }
 }
 
@@ -388,6 +398,70 @@ TEST_F(OperLogFile, MissingLogDirectoryIsCreated)
     EXPECT_EQ(lines(readAll(operLog())).size(), 1u);
 }
 
+// What is not a regular file is refused at once, never waited on: a FIFO
+// with nobody at its other end would otherwise hang the command. The log
+// is never written through a symbolic link. Each refusal names the file.
+TEST_F(OperLogFile, OddFilesAreRefusedNotWaitedOn)
+{
+    struct Case {
+        std::string path;
+        bool fifo;  // else a symbolic link to a file elsewhere
+        uint32_t rc;
+    };
+    const Case cases[] = {
+        {operLog(), true, UIL_OPERLOG_OPEN_FAIL},
+        {operLog(), false, UIL_OPERLOG_OPEN_FAIL},
+        {serialFile(), true, MPI_RET_FAIL},
+    };
+    std::string elsewhere = sandbox() + "/elsewhere";
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.path + (c.fifo ? " fifo" : " link"));
+        fs::remove(c.path);
+        writeFile(elsewhere, "");
+        if (c.fifo) {
+            ASSERT_EQ(mkfifo(c.path.c_str(), 0600), 0);
+        } else {
+            fs::create_symlink(elsewhere, c.path);
+        }
+        if (c.path != serialFile()) {
+            writeFile(serialFile(), "41");
+        }
+        pid_t pid = fork();
+        if (pid == 0) {
+            alarm(5);  // a hang ends the child by SIGALRM, and the test fails
+            _exit(UIL_OperLog("CLI", "set", " x", 0x53415111, 1, nullptr) == c.rc &&
+                          std::string(INTF_UIL_LastFileError()).rfind(c.path + ": ", 0) == 0
+                      ? 0
+                      : 1);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(pid, &status, 0), pid);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+        EXPECT_EQ(readAll(elsewhere), "");
+        fs::remove(c.path);
+    }
+    writeFile(serialFile(), "41");
+}
+
+// A log that takes no more data: the call fails and names the file.
+TEST_F(OperLogFile, LogThatCannotBeWrittenIsAFailure)
+{
+    pid_t pid = fork();
+    if (pid == 0) {
+        signal(SIGXFSZ, SIG_IGN);
+        writeFile(operLog(), std::string(100, 'x'));
+        rlimit limit{100, RLIM_INFINITY};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        _exit(UIL_OperLog("CLI", "set", " x", 0x53415111, 1, nullptr) == MPI_RET_FAIL &&
+                      std::string(INTF_UIL_LastFileError()).rfind(operLog() + ": File too large", 0) == 0
+                  ? 0
+                  : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(pid, &status, 0), pid);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+}
+
 // Writers in several processes at once: every line stays whole.
 TEST_F(OperLogFile, ConcurrentWritersNeverTearALine)
 {
@@ -418,9 +492,15 @@ TEST_F(OperLogFile, ConcurrentWritersNeverTearALine)
     for (const std::string& l : got) {
         EXPECT_TRUE(std::regex_match(l, whole)) << l;
     }
-    // The serial file always holds a number, whatever the interleaving.
-    std::string serial = readAll(serialFile());
-    EXPECT_TRUE(std::regex_match(serial, std::regex(R"(\d+)"))) << serial;
+    // Every line has a number of its own: 42 up to the last one.
+    std::set<uint32_t> serials;
+    for (const std::string& l : got) {
+        serials.insert(static_cast<uint32_t>(std::stoul(l.substr(1))));
+    }
+    EXPECT_EQ(serials.size(), got.size());
+    EXPECT_EQ(*serials.begin(), 42u);
+    EXPECT_EQ(*serials.rbegin(), 41u + kWriters * kLines);
+    EXPECT_EQ(readAll(serialFile()), std::to_string(41 + kWriters * kLines));
 }
 
 // ---------------------------------------------------------------------------
