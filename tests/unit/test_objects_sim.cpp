@@ -452,25 +452,34 @@ TEST_F(ObjectsSim, RefusedRequestsGiveTheStatedCodes)
     EXPECT_EQ(ok.ret, MPI_RET_SUCCESS);
 }
 
+// A count above the capacity is clamped; the slots the driver did not fill
+// (zero) and any ID it repeats are listed once. So whatever the count, a
+// list holds the IDs of the honest answer, plus 0 once when the answer
+// claimed more than it wrote; and its reported count is the one answered.
 struct ClampCase {
     uint32_t nr;
     uint32_t capacity;
-    std::function<uint32_t()> countListed;
+    std::function<std::vector<uint32_t>()> listed;
 };
 
-TEST_F(ObjectsSim, CountsAboveTheCapacityAreClamped)
+std::vector<uint32_t> idsOf(uint32_t (*start)(uint32_t, UilIdList**), uint32_t id)
+{
+    UilIdList* list = nullptr;
+    EXPECT_EQ(start(id, &list), MPI_RET_SUCCESS);
+    std::vector<uint32_t> out;
+    if (list != nullptr) {
+        out.assign(list->view().begin(), list->view().end());
+    }
+    UIL_IdListFree(list);
+    return out;
+}
+
+TEST_F(ObjectsSim, CountsAboveTheCapacityAreClampedAndRepeatsListedOnce)
 {
     uint32_t arrayId = arrayIds().front();
     std::vector<UilPathInfo> paths = allPhysicalPaths();
     ASSERT_FALSE(paths.empty());
     uint32_t pathId = paths.front().pathId;
-    auto idsOf = [](uint32_t (*start)(uint32_t, UilIdList**), uint32_t id) {
-        UilIdList* list = nullptr;
-        EXPECT_EQ(start(id, &list), MPI_RET_SUCCESS);
-        uint32_t n = list != nullptr ? list->count : 0;
-        UIL_IdListFree(list);
-        return n;
-    };
     auto arrayIdsStart = [](uint32_t, UilIdList** out) { return INTF_UIL_EnumerateArrayIdsStart(out); };
     const ClampCase cases[] = {
         {11, 128, [&] { return idsOf(arrayIdsStart, 0); }},
@@ -484,28 +493,96 @@ TEST_F(ObjectsSim, CountsAboveTheCapacityAreClamped)
         {61, 8, [&] {
              UilTpgInfo* t = nullptr;
              EXPECT_EQ(UIL_EnumerateTpgStart(arrayId, 0, &t), MPI_RET_SUCCESS);
-             uint32_t n = t != nullptr ? t->paths->count : 0;
+             std::vector<uint32_t> out;
+             if (t != nullptr) {
+                 out.assign(t->paths->view().begin(), t->paths->view().end());
+             }
              UIL_EnumerateTpgEnd(t);
-             return n;
+             return out;
          }},
         {66, 64, [&] {
              uint32_t h[UIL_MAX_HBAS];
              uint32_t n = 0;
              EXPECT_EQ(INTF_UIL_GetAllHbaIds(h, UIL_MAX_HBAS, &n), MPI_RET_SUCCESS);
-             return n;
+             return std::vector<uint32_t>(h, h + n);
          }},
     };
     for (const ClampCase& c : cases) {
-        for (uint64_t answered : {uint64_t{c.capacity}, uint64_t{c.capacity} + 1, uint64_t{0xFFFFFFFF}}) {
+        std::vector<uint32_t> honest = c.listed();
+        ASSERT_FALSE(honest.empty()) << "nr " << c.nr;
+        ASSERT_LT(honest.size(), c.capacity) << "nr " << c.nr << ": the topology leaves room to fill";
+        std::set<uint32_t> expected(honest.begin(), honest.end());
+        expected.insert(0);
+        for (uint64_t answered : {uint64_t{honest.size()} + 1, uint64_t{c.capacity}, uint64_t{c.capacity} + 1,
+                                  uint64_t{0xFFFFFFFF}}) {
+            SCOPED_TRACE(testing::Message() << "nr " << c.nr << " count " << answered);
             std::string before = traceText();
             setFaults(std::to_string(c.nr) + " count=" + std::to_string(answered) + " 1\n");
-            uint32_t n = c.countListed();
-            EXPECT_EQ(n, c.capacity) << "nr " << c.nr << " count " << answered;
-            bool traced = traceText().size() > before.size() &&
-                          traceText().substr(before.size()).find("more than the capacity") != std::string::npos;
-            EXPECT_EQ(traced, answered > c.capacity) << "nr " << c.nr << " count " << answered;
+            std::vector<uint32_t> ids = c.listed();
+            EXPECT_EQ(ids, std::vector<uint32_t>(expected.begin(), expected.end()));
+            std::string added = traceText().substr(before.size());
+            EXPECT_EQ(added.find("more than the capacity") != std::string::npos, answered > c.capacity);
+            bool zeroIsReal = honest.front() == 0;
+            bool repeats = answered > honest.size() + (zeroIsReal ? 0 : 1);
+            EXPECT_EQ(added.find("repeated") != std::string::npos, repeats) << added;
         }
     }
+}
+
+// The driver claims 200 arrays and writes five: every array is read and
+// listed once, and the caller still learns the count as answered (the
+// rule of `show path` refuses a count above 128).
+TEST_F(ObjectsSim, ArrayCountAboveTheCapacityListsEachArrayOnce)
+{
+    std::vector<uint32_t> honest = arrayIds();
+    ArrayList plain;
+    ASSERT_EQ(plain.ret, MPI_RET_SUCCESS);
+    std::vector<uint32_t> listedPlain;
+    for (ArrayInfo* a : entries<ArrayInfo>(&plain.head)) {
+        listedPlain.push_back(a->arrayId);
+    }
+
+    setFaults("11 count=200 1\n");
+    clearRequests();
+    ArrayList arrays;
+    ASSERT_EQ(arrays.ret, MPI_RET_SUCCESS);
+    std::vector<uint32_t> listed;
+    for (ArrayInfo* a : entries<ArrayInfo>(&arrays.head)) {
+        listed.push_back(a->arrayId);
+    }
+    EXPECT_EQ(listed, listedPlain);
+    std::set<uint32_t> asked;
+    size_t infoRequests = 0;
+    for (const Request& r : requests()) {
+        if (r.nr == 12) {
+            ++infoRequests;
+            asked.insert(le32(r.in, 0));
+        }
+    }
+    EXPECT_EQ(infoRequests, asked.size()) << "no array is asked for twice";
+
+    for (uint32_t answered : {200u, 128u, 129u, 0u}) {
+        setFaults("11 count=" + std::to_string(answered) + " 1\n");
+        uint32_t ids[UIL_MAX_ARRAYS];
+        uint32_t count = 99;
+        uint32_t reported = 99;
+        ASSERT_EQ(INTF_UIL_EnumerateArrayIdsCounted(ids, UIL_MAX_ARRAYS, &count, &reported), MPI_RET_SUCCESS);
+        EXPECT_EQ(reported, answered);
+        EXPECT_LE(count, honest.size() + 1) << "the honest IDs and the unfilled slots' 0, once";
+        EXPECT_TRUE(std::is_sorted(ids, ids + count));
+        EXPECT_EQ(std::adjacent_find(ids, ids + count), ids + count) << "count " << answered;
+        if (answered == 0) {
+            EXPECT_EQ(count, 0u);
+        }
+    }
+    // A caller with less room gets what fits; the answered count is kept.
+    setFaults("11 count=200 1\n");
+    uint32_t two[2];
+    uint32_t count = 0;
+    uint32_t reported = 0;
+    ASSERT_EQ(INTF_UIL_EnumerateArrayIdsCounted(two, 2, &count, &reported), MPI_RET_SUCCESS);
+    EXPECT_EQ(count, 2u);
+    EXPECT_EQ(reported, 200u);
 }
 
 }  // namespace
