@@ -19,6 +19,7 @@
 #include "uil/uil.h"
 #include "uil/uil_objects_int.h"
 #include "uil/uil_status.h"
+#include "mpi/mpi_scope.h"
 
 namespace {
 
@@ -295,6 +296,52 @@ TEST_F(ObjectsSim, VLunListsReadEachRecordOnce)
     INTF_UIL_GetVLunInfoEnd(&one);
 }
 
+// Listing every array with one cache reads a dual-site VLUN once: the
+// second array takes it from the cache, and its rows are those an uncached
+// listing gives (links and storage aside).
+TEST_F(ObjectsSim, DualSiteVLunsAreReadOncePerCommand)
+{
+    auto body = [](const VLunInfo& v) {
+        const auto* bytes = reinterpret_cast<const uint8_t*>(&v);
+        return std::vector<uint8_t>(bytes + offsetof(VLunInfo, vlunId), bytes + offsetof(VLunInfo, storage));
+    };
+    std::map<uint32_t, std::vector<std::vector<uint8_t>>> plain;
+    size_t plainInfos = 0;
+    std::set<uint32_t> distinct;
+    size_t dualSite = 0;
+    clearRequests();
+    for (uint32_t arrayId : arrayIds()) {
+        VLunList vluns(arrayId);
+        for (VLunInfo* v : entries<VLunInfo>(&vluns.head)) {
+            plain[arrayId].push_back(body(*v));
+            distinct.insert(v->vlunId);
+            dualSite += v->memberCount == 2;
+        }
+    }
+    plainInfos = requestCounts()[95];
+    ASSERT_GT(dualSite, 0u) << "the default topology has dual-site VLUNs in two arrays";
+
+    UilVLunCache cache;
+    clearRequests();
+    for (uint32_t arrayId : arrayIds()) {
+        MPI_ListNode head;
+        uint32_t ret = INTF_UIL_EnumerateVLunCachedStart(arrayId, &head, &cache);
+        MPI_Ended<INTF_UIL_EnumerateVLunEnd> owner(&head);
+        if (plain.count(arrayId) == 0) {
+            EXPECT_NE(ret, MPI_RET_SUCCESS);
+            continue;
+        }
+        ASSERT_EQ(ret, MPI_RET_SUCCESS);
+        std::vector<std::vector<uint8_t>> cached;
+        for (VLunInfo* v : entries<VLunInfo>(&head)) {
+            cached.push_back(body(*v));
+        }
+        EXPECT_EQ(cached, plain[arrayId]) << "array " << arrayId;
+    }
+    EXPECT_EQ(requestCounts()[95], distinct.size()) << "each VLUN's record asked once";
+    EXPECT_LT(requestCounts()[95], plainInfos);
+}
+
 // A disk's detail reads the disk, its path list and each of its paths once
 // (the status words themselves are in the show vlun transcript).
 TEST_F(ObjectsSim, DiskDetailReadsEachPathOnce)
@@ -452,16 +499,6 @@ TEST_F(ObjectsSim, RefusedRequestsGiveTheStatedCodes)
     EXPECT_EQ(ok.ret, MPI_RET_SUCCESS);
 }
 
-// A count above the capacity is clamped; the slots the driver did not fill
-// (zero) and any ID it repeats are listed once. So whatever the count, a
-// list holds the IDs of the honest answer, plus 0 once when the answer
-// claimed more than it wrote; and its reported count is the one answered.
-struct ClampCase {
-    uint32_t nr;
-    uint32_t capacity;
-    std::function<std::vector<uint32_t>()> listed;
-};
-
 std::vector<uint32_t> idsOf(uint32_t (*start)(uint32_t, UilIdList**), uint32_t id)
 {
     UilIdList* list = nullptr;
@@ -473,6 +510,68 @@ std::vector<uint32_t> idsOf(uint32_t (*start)(uint32_t, UilIdList**), uint32_t i
     UIL_IdListFree(list);
     return out;
 }
+
+// What each ID-list request carries, written out from the driver's tables:
+// its declared size, the object asked about and the capacity word.
+struct SentCase {
+    uint32_t nr, declared;
+    size_t objectAt;  // SIZE_MAX: no object
+    size_t capacityAt;  // SIZE_MAX: no capacity word
+    uint32_t capacity;
+    std::function<void(uint32_t)> send;
+};
+
+TEST_F(ObjectsSim, IdListRequestsCarryTheirInputsWhereTheDriverReadsThem)
+{
+    constexpr size_t kNo = SIZE_MAX;
+    auto list = [](uint32_t (*start)(uint32_t, UilIdList**)) {
+        return [start](uint32_t id) { (void)idsOf(start, id); };
+    };
+    const SentCase cases[] = {
+        {11, 16, kNo, 0, 128, [](uint32_t) { (void)arrayIds(); }},
+        {21, 24, 0, 8, 16384, list(INTF_UIL_EnumerateArrayDiskIdsStart)},
+        {25, 20, 0, 4, 16384, list(INTF_UIL_EnumerateArrayVlunIdsStart)},
+        {60, 16, 0, 4, 16, list(UIL_EnumerateTpgIdsStart)},
+        {41, 20, 0, 4, 16384, list(UIL_EnumeratePhyPathIdsStart)},
+        {22, 24, 0, 8, 16384, list(UIL_EnumeratePhyPathDiskIdsStart)},
+        {31, 16, 0, 4, 128, list(UIL_EnumeratePathIdsStart)},
+        {44, 848, 0, kNo, 0, list(INTF_UIL_GetPhyPathIdsByHbaId)},
+    };
+    const uint32_t object = 3;
+    for (const SentCase& c : cases) {
+        SCOPED_TRACE(testing::Message() << "nr " << c.nr);
+        clearRequests();
+        c.send(object);
+        std::vector<Request> log = requests();
+        ASSERT_EQ(log.size(), 1u);
+        EXPECT_EQ(log[0].nr, c.nr);
+        EXPECT_EQ(log[0].size, c.declared);
+        ASSERT_EQ(log[0].in.size(), c.declared);
+        if (c.objectAt != kNo) {
+            EXPECT_EQ(le32(log[0].in, c.objectAt), object);
+        }
+        if (c.capacityAt != kNo) {
+            EXPECT_EQ(le32(log[0].in, c.capacityAt), c.capacity);
+        }
+        size_t nonZero = 0;
+        for (size_t i = 0; i < log[0].in.size(); ++i) {
+            bool input = (c.objectAt != kNo && i / 4 == c.objectAt / 4) ||
+                         (c.capacityAt != kNo && i / 4 == c.capacityAt / 4);
+            nonZero += !input && log[0].in[i] != 0;
+        }
+        EXPECT_EQ(nonZero, 0u) << "everything but the inputs is sent cleared";
+    }
+}
+
+// A count above the capacity is clamped; the slots the driver did not fill
+// (zero) and any ID it repeats are listed once. So whatever the count, a
+// list holds the IDs of the honest answer, plus 0 once when the answer
+// claimed more than it wrote; and its reported count is the one answered.
+struct ClampCase {
+    uint32_t nr;
+    uint32_t capacity;
+    std::function<std::vector<uint32_t>()> listed;
+};
 
 TEST_F(ObjectsSim, CountsAboveTheCapacityAreClampedAndRepeatsListedOnce)
 {
