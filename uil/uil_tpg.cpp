@@ -176,7 +176,7 @@ uint32_t UIL_BuildControllerList(uint32_t arrayId, MPI_ListNode* head, bool with
         controller->tpgId = tpgId;
         controller->remote = tpg->remote;
         MPI_ListAddTail(&controller->links, head);
-        ret = attachTpgPaths(tpg, controller, withLunCounts);
+        ret = withLunCounts ? UIL_EnumeratePhyPathForTpg(tpg, controller) : attachTpgPaths(tpg, controller, false);
         if (ret != MPI_RET_SUCCESS) {
             return ret;
         }
