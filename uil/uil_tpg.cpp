@@ -7,6 +7,8 @@
 #include "bounded/bounded.h"
 #include "uil/uil_objects_int.h"
 
+static_assert(uil_wire::tpg_name::kName.len == UIL_TPG_NAME_LEN);
+
 namespace {
 
 constexpr const char kNoName[] = "-";
