@@ -108,10 +108,13 @@ void copyWord(const char* word, char* out, size_t size)
 // A port name field copied up to its first zero byte and at most `limit` characters.
 size_t copyPortName(char* out, size_t outSize, const uint8_t* name, size_t nameSize, size_t limit)
 {
-    size_t n = 0;
-    while (n < nameSize && n < limit && n + 1 < outSize && name[n] != 0) {
-        out[n] = static_cast<char>(name[n]);
-        ++n;
+    size_t n = std::min({nameSize, limit, outSize - 1});
+    const void* nul = std::memchr(name, 0, n);
+    if (nul != nullptr) {
+        n = static_cast<size_t>(static_cast<const uint8_t*>(nul) - name);
+    }
+    if (n != 0) {
+        (void)memcpy_s(out, outSize, name, n);
     }
     out[n] = '\0';
     return n;
