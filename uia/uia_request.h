@@ -1,6 +1,7 @@
 // The driver's requests: each is _IOR('M', nr, size), the size being the
 // payload's declared size. This table is the one place request codes come
-// from; payload layouts live with the code that sends each request.
+// from; payload layouts are constexpr tables of fields, one internal header
+// per request family (uil/uil_wire_*.h), each checked against the size here.
 #pragma once
 
 #include <cstdint>

@@ -5,17 +5,11 @@
 
 #include "bounded/bounded.h"
 #include "uil/uil_objects_int.h"
+#include "uil/uil_wire_array.h"
+
+namespace wire = uil_wire::array;
 
 namespace {
-
-// Array record (requests 0x0c and 0x0d, 444 bytes).
-namespace wire {
-constexpr size_t kId = 0, kName = 4, kVendor = 85, kProduct = 94, kRevision = 111, kSn = 116, kDriver = 137,
-                 kFlag266 = 266, kValue268 = 268, kText272 = 272, kWords404 = 404, kValue428 = 428,
-                 kValue432 = 432, kCapability = 436, kFlag440 = 440, kFlag441 = 441, kFlag442 = 442;
-constexpr size_t kNameLen = 80, kVendorLen = 8, kProductLen = 16, kRevisionLen = 4, kSnLen = 20,
-                 kDriverLen = 129, kText272Len = 128;
-}  // namespace wire
 
 ArrayInfo* allocArray()
 {
@@ -40,18 +34,18 @@ void UIL_TransArrayInfo(const UiaPayload& p, ArrayInfo* array)
 {
     UIL_ASSERT(array != nullptr);
     array->arrayId = p.u32(wire::kId);
-    UIL_TransNameToGb2312(p.data() + wire::kName, wire::kNameLen, array->name, sizeof(array->name));
-    p.text(wire::kVendor, wire::kVendorLen, array->vendor, sizeof(array->vendor));
-    p.text(wire::kProduct, wire::kProductLen, array->product, sizeof(array->product));
-    p.text(wire::kRevision, wire::kRevisionLen, array->revision, sizeof(array->revision));
-    p.text(wire::kSn, wire::kSnLen, array->sn, sizeof(array->sn));
+    UIL_TransNameToGb2312(p.bytes(wire::kName), wire::kName.len, array->name, sizeof(array->name));
+    p.text(wire::kVendor, array->vendor);
+    p.text(wire::kProduct, array->product);
+    p.text(wire::kRevision, array->revision);
+    p.text(wire::kSn, array->sn);
     // The vendor driver key is shown as the driver sends it.
-    p.text(wire::kDriver, wire::kDriverLen, array->driver, sizeof(array->driver));
+    p.text(wire::kDriver, array->driver);
     array->flag266 = p.u8(wire::kFlag266);
     array->value268 = p.u32(wire::kValue268);
-    p.text(wire::kText272, wire::kText272Len, array->text272, sizeof(array->text272));
+    p.text(wire::kText272, array->text272);
     for (size_t i = 0; i < 6; ++i) {
-        array->words404[i] = p.u32(wire::kWords404 + 4 * i);
+        array->words404[i] = p.u32At(wire::kWords404, i);
     }
     array->value428 = p.u32(wire::kValue428);
     array->value432 = p.u32(wire::kValue432);
@@ -67,8 +61,7 @@ uint32_t INTF_UIL_EnumerateArrayIdsStart(UilIdList** out)
         UIL_TRACE_NULL("out");
         return MPI_RET_INVALID_PARAM;
     }
-    UiaPayload payload(uil_wire::kArrayIds.bufferSize());
-    uint32_t ret = UIL_RunIdListRequest(uil_wire::kArrayIds, payload, out);
+    uint32_t ret = UIL_EnumerateIds(uil_wire::kArrayIds, 0, out);
     if (ret == MPI_RET_NO_MEMORY) {
         return ret;
     }
@@ -81,20 +74,28 @@ uint32_t INTF_UIL_EnumerateArrayIdsStart(UilIdList** out)
 
 void INTF_UIL_EnumerateArrayIdsEnd(UilIdList* list) { UIL_IdListFree(list); }
 
-uint32_t INTF_UIL_EnumerateArrayIds(uint32_t* ids, uint32_t capacity, uint32_t* count)
+uint32_t INTF_UIL_EnumerateArrayIdsCounted(uint32_t* ids, uint32_t capacity, uint32_t* count, uint32_t* reported)
 {
-    UIL_ASSERT(ids != nullptr && count != nullptr);
+    UIL_ASSERT(ids != nullptr && count != nullptr && reported != nullptr);
     *count = 0;
+    *reported = 0;
     UilIdList* list = nullptr;
     uint32_t ret = INTF_UIL_EnumerateArrayIdsStart(&list);
     if (ret != MPI_RET_SUCCESS) {
         return ret;
     }
+    MPI_Ended<INTF_UIL_EnumerateArrayIdsEnd> owner(list);
     uint32_t n = UIL_ClampCount(list->count, capacity, "array ids for the caller");
     (void)memcpy_s(ids, sizeof(uint32_t) * static_cast<uint64_t>(capacity), list->ids, sizeof(uint32_t) * n);
     *count = n;
-    INTF_UIL_EnumerateArrayIdsEnd(list);
+    *reported = list->reported;
     return MPI_RET_SUCCESS;
+}
+
+uint32_t INTF_UIL_EnumerateArrayIds(uint32_t* ids, uint32_t capacity, uint32_t* count)
+{
+    uint32_t reported = 0;
+    return INTF_UIL_EnumerateArrayIdsCounted(ids, capacity, count, &reported);
 }
 
 uint32_t UIL_GetArrayRecord(uint32_t arrayId, ArrayInfo* array)
@@ -155,7 +156,7 @@ void INTF_UIL_EnumerateArrayEnd(MPI_ListNode* head)
         MPI_ListNode* node = head->next;
         MPI_ListDelete(node);
         MPI_ListInit(node);
-        ArrayInfo* array = MPI_LIST_ENTRY(node, ArrayInfo, links);
+        ArrayInfo* array = UIL_ListEntry<ArrayInfo>(node);
         INTF_UIL_GetArrayInfoEnd(array);
         std::free(array);
     }
@@ -173,31 +174,26 @@ uint32_t INTF_UIL_EnumerateArrayStart(MPI_ListNode* head)
     if (ret != MPI_RET_SUCCESS) {
         return ret;
     }
+    MPI_Ended<INTF_UIL_EnumerateArrayIdsEnd> idsOwner(ids);
+    MPI_ScopeExit freeOnFailure([head] { INTF_UIL_EnumerateArrayEnd(head); });
     for (uint32_t arrayId : ids->view()) {
         ArrayInfo* array = allocArray();
         if (array == nullptr) {
-            ret = MPI_RET_NO_MEMORY;
-            break;
+            return MPI_RET_NO_MEMORY;
         }
         ret = INTF_UIL_GetArrayInfoStart(arrayId, array);
-        if (ret == MPI_RET_NO_MEMORY) {
-            INTF_UIL_GetArrayInfoEnd(array);
-            std::free(array);
-            break;
-        }
         if (ret != MPI_RET_SUCCESS) {
-            UIL_ERR("Get Array info fail, array id {%u}", arrayId);
             INTF_UIL_GetArrayInfoEnd(array);
             std::free(array);
+            if (ret == MPI_RET_NO_MEMORY) {
+                return ret;
+            }
+            UIL_ERR("Get Array info fail, array id {%u}", arrayId);
             continue;
         }
         MPI_ListAddTail(&array->links, head);
     }
-    INTF_UIL_EnumerateArrayIdsEnd(ids);
-    if (ret == MPI_RET_NO_MEMORY) {
-        INTF_UIL_EnumerateArrayEnd(head);
-        return ret;
-    }
+    freeOnFailure.dismiss();
     return MPI_ListEmpty(head) ? MPI_RET_NOT_FOUND : MPI_RET_SUCCESS;
 }
 
@@ -216,7 +212,7 @@ uint32_t INTF_UIL_SyncArrayInfo(uint32_t arrayId, const char* sn)
     }
     UiaPayload payload(uia_req::SyncArrayInfo.size);
     payload.setU32(wire::kId, arrayId);
-    payload.setText(wire::kSn, wire::kSnLen + 1, sn);
+    payload.setText(wire::kSnField, sn);
     if (UIA_Send(uia_req::SyncArrayInfo, payload) != MPI_RET_SUCCESS) {
         UIL_ERR("Sync Array Info for ID{%u} failed", arrayId);
         return MPI_RET_FAIL;

@@ -16,7 +16,7 @@ inline constexpr size_t UIL_REVISION_SIZE = 5;
 // Result of the array queries when a driver request fails.
 inline constexpr uint32_t UIL_RET_QUERY_FAIL = 3;
 
-// One array (request 0x0c). Callers own the record between
+// One array. Callers own the record between
 // INTF_UIL_GetArrayInfoStart and INTF_UIL_GetArrayInfoEnd; the record holds
 // a list head, so it is never copied.
 struct ArrayInfo {
@@ -27,8 +27,8 @@ struct ArrayInfo {
     char vendor[UIL_VENDOR_SIZE];
     char product[UIL_PRODUCT_SIZE];
     char revision[UIL_REVISION_SIZE];
-    char driver[UIL_VENDOR_DRIVER_SIZE];  // vendor driver key (wire 137)
-    // Carried through unchanged; named by their wire offset.
+    char driver[UIL_VENDOR_DRIVER_SIZE];  // vendor driver key
+    // Carried through unchanged; their meaning is the driver's.
     uint8_t flag266;
     uint32_t value268;
     char text272[129];
@@ -47,11 +47,15 @@ inline bool UIL_ArraySupportsPathState(const ArrayInfo& array)
     return array.flag440 != 0 || array.flag441 != 0;
 }
 
-// Array IDs (request 0x0b, capacity 128), sorted ascending. 1024; 3 when
-// the request fails; 1026 null argument; 1037 out of memory.
+// Array IDs (capacity 128), sorted ascending, each once. 1024; 3 when the
+// request fails; 1026 null argument; 1037 out of memory.
 uint32_t INTF_UIL_EnumerateArrayIdsStart(UilIdList** out);
 void INTF_UIL_EnumerateArrayIdsEnd(UilIdList* list);
-// The same into a caller's buffer (`capacity` IDs at most).
+// The same into a caller's buffer: *count IDs, never more than `capacity`;
+// *reported is the count as the driver answered it, so that a caller whose
+// rule refuses a count above the capacity can tell (the IDs of such an
+// answer are still clamped and listed once).
+uint32_t INTF_UIL_EnumerateArrayIdsCounted(uint32_t* ids, uint32_t capacity, uint32_t* count, uint32_t* reported);
 uint32_t INTF_UIL_EnumerateArrayIds(uint32_t* ids, uint32_t capacity, uint32_t* count);
 
 // One array with its controllers. 1024; 2 when the array has no disk (not
@@ -65,9 +69,9 @@ void INTF_UIL_GetArrayInfoEnd(ArrayInfo* array);
 uint32_t INTF_UIL_EnumerateArrayStart(MPI_ListNode* head);
 void INTF_UIL_EnumerateArrayEnd(MPI_ListNode* head);
 
-// 1024 when the array exists (request 0x0c answered).
+// 1024 when the array exists (the driver answers its record).
 uint32_t INTF_UIL_ArrayIDIsExist(uint32_t arrayId);
-// Writes the array's SN back to the driver (request 0x0d). 1030 on failure,
+// Writes the array's SN back to the driver. 1030 on failure,
 // 1026 on a null SN.
 uint32_t INTF_UIL_SyncArrayInfo(uint32_t arrayId, const char* sn);
 

@@ -6,32 +6,6 @@
 #include "bounded/bounded.h"
 #include "uil/uil_objects_int.h"
 
-namespace uil_wire {
-
-size_t IdListLayout::bufferSize() const
-{
-    if (capacityOff == kNoCapacityWord) {
-        return req->size;
-    }
-    return req->size + 4 * (static_cast<size_t>(capacity) - 1);
-}
-
-// Every layout below fits its IDs exactly in the buffer it sends.
-const IdListLayout kArrayIds{&uia_req::EnumArrayIds, 0, 8, 12, UIL_MAX_ARRAYS, "array ids"};
-const IdListLayout kArrayVlunIds{&uia_req::EnumArrayVlunIds, 4, 12, 16, UIL_MAX_VLUNS, "vlun ids of an array"};
-const IdListLayout kArrayDiskIds{&uia_req::EnumArrayDiskIds, 8, 16, 20, UIL_MAX_DISKS, "disk ids of an array"};
-const IdListLayout kTpgIds{&uia_req::EnumTpgIds, 4, 8, 12, UIL_MAX_TPGS, "tpg ids"};
-const IdListLayout kTpgInfo{&uia_req::GetTpgInfo, 8, 16, 24, UIL_MAX_TPG_PATHS, "path ids of a tpg"};
-const IdListLayout kPathIds{&uia_req::EnumPathIds, 4, 8, 12, UIL_MAX_LOGICAL_PATHS, "logical path ids"};
-const IdListLayout kPhyPathIds{&uia_req::EnumPhyPathIds, 4, 12, 16, UIL_MAX_PHY_PATHS, "physical path ids"};
-const IdListLayout kPhyPathDiskIds{&uia_req::EnumPhyPathDiskIds, 8, 16, 20, UIL_MAX_DISKS,
-                                   "disk ids of a physical path"};
-const IdListLayout kHbaIds{&uia_req::GetAllHbaIds, 0, 4, 8, UIL_MAX_HBAS, "hba ids"};
-const IdListLayout kHbaPathIds{&uia_req::GetPhyPathIdsByHba, kNoCapacityWord, 4, 8, UIL_MAX_HBA_PATHS,
-                               "physical path ids of an hba"};
-
-}  // namespace uil_wire
-
 bool UilIdList::contains(uint32_t id) const
 {
     std::span<const uint32_t> all = view();
@@ -70,51 +44,118 @@ uint32_t UIL_ClampCount(uint32_t count, uint32_t capacity, const char* what)
     return capacity;
 }
 
-uint32_t UIL_RunIdListRequest(const uil_wire::IdListLayout& layout, UiaPayload& payload, UilIdList** out)
+uint32_t UIL_SortUniqueIds(uint32_t* ids, uint32_t count, const char* what)
 {
-    UIL_ASSERT(out != nullptr);
+    UIL_ASSERT(ids != nullptr || count == 0);
+    UIL_BubbleSort(ids, count);
+    uint32_t kept = static_cast<uint32_t>(std::unique(ids, ids + count) - ids);
+    if (kept != count) {
+        UIL_ERR("The driver answered %u %s with %u repeated; each is listed once", count, what, count - kept);
+    }
+    return kept;
+}
+
+namespace {
+
+// The one buffer of every ID-list request. Clearing a whole 64 KB buffer
+// for each of thousands of requests cost more than everything else a
+// listing does, so the buffer is kept and only the part a request could
+// have dirtied is cleared again: its header, and the IDs the previous
+// answer held. The driver writes no more IDs than the count it answers.
+class IdScratch {
+public:
+    UiaPayload& take(const uil_wire::IdListLayout& layout)
+    {
+        m_payload.clearFirst(std::max(m_dirty, layout.idsOff));
+        m_dirty = layout.bufferSize();  // until the answer says less
+        return m_payload;
+    }
+    void answered(const uil_wire::IdListLayout& layout, uint32_t idsWritten)
+    {
+        m_dirty = layout.idsOff + 4 * static_cast<size_t>(idsWritten);
+    }
+    bool owns(const UiaPayload& payload) const { return &payload == &m_payload; }
+
+private:
+    UiaPayload m_payload{uil_wire::LargestIdBuffer()};
+    size_t m_dirty = 0;
+};
+
+IdScratch& scratch()
+{
+    static IdScratch s_scratch;
+    return s_scratch;
+}
+
+}  // namespace
+
+UiaPayload& UIL_IdPayload(const uil_wire::IdListLayout& layout, uint32_t objectId)
+{
+    UiaPayload& payload = scratch().take(layout);
+    if (layout.objectOff != uil_wire::kNone) {
+        payload.setU32(layout.objectOff, objectId);
+    }
+    return payload;
+}
+
+namespace {
+
+// Sends the request prepared in `payload`; *count is the answered count
+// clamped to the capacity, *reported the count as answered.
+uint32_t sendIdRequest(const uil_wire::IdListLayout& layout, UiaPayload& payload, uint32_t* count,
+                       uint32_t* reported)
+{
     UIL_ASSERT(payload.size() >= layout.bufferSize());
-    *out = nullptr;
-    if (layout.capacityOff != uil_wire::kNoCapacityWord) {
+    *count = 0;
+    *reported = 0;
+    if (layout.capacityOff != uil_wire::kNone) {
         payload.setU32(layout.capacityOff, layout.capacity);
     }
     uint32_t ret = UIA_Send(*layout.req, payload);
     if (ret != MPI_RET_SUCCESS) {
         return ret;
     }
-    uint32_t count = UIL_ClampCount(payload.u32(layout.countOff), layout.capacity, layout.what);
-    UilIdList* list = UIL_IdListAlloc(layout.capacity);
+    *reported = payload.u32(layout.countOff);
+    *count = UIL_ClampCount(*reported, layout.capacity, layout.what);
+    if (scratch().owns(payload)) {
+        scratch().answered(layout, *count);
+    }
+    return MPI_RET_SUCCESS;
+}
+
+}  // namespace
+
+uint32_t UIL_RunIdListRequest(const uil_wire::IdListLayout& layout, UiaPayload& payload, UilIdList** out)
+{
+    UIL_ASSERT(out != nullptr);
+    *out = nullptr;
+    uint32_t count = 0;
+    uint32_t reported = 0;
+    uint32_t ret = sendIdRequest(layout, payload, &count, &reported);
+    if (ret != MPI_RET_SUCCESS) {
+        return ret;
+    }
+    UilIdList* list = UIL_IdListAlloc(count);
     if (list == nullptr) {
         return MPI_RET_NO_MEMORY;
     }
     for (uint32_t i = 0; i < count; ++i) {
         list->ids[i] = payload.u32(layout.idsOff + 4 * static_cast<size_t>(i));
     }
-    list->count = count;
-    UIL_BubbleSort(list->ids, count);
+    list->count = UIL_SortUniqueIds(list->ids, count, layout.what);
+    list->reported = reported;
     *out = list;
     return MPI_RET_SUCCESS;
 }
 
 uint32_t UIL_EnumerateIds(const uil_wire::IdListLayout& layout, uint32_t objectId, UilIdList** out)
 {
-    UiaPayload payload(layout.bufferSize());
-    payload.setU32(uil_wire::kInObjectId, objectId);
-    return UIL_RunIdListRequest(layout, payload, out);
+    return UIL_RunIdListRequest(layout, UIL_IdPayload(layout, objectId), out);
 }
 
 uint32_t UIL_CountIds(const uil_wire::IdListLayout& layout, uint32_t objectId, uint32_t* count)
 {
     UIL_ASSERT(count != nullptr);
-    *count = 0;
-    UiaPayload payload(layout.bufferSize());
-    payload.setU32(uil_wire::kInObjectId, objectId);
-    if (layout.capacityOff != uil_wire::kNoCapacityWord) {
-        payload.setU32(layout.capacityOff, layout.capacity);
-    }
-    uint32_t ret = UIA_Send(*layout.req, payload);
-    if (ret == MPI_RET_SUCCESS) {
-        *count = UIL_ClampCount(payload.u32(layout.countOff), layout.capacity, layout.what);
-    }
-    return ret;
+    uint32_t reported = 0;
+    return sendIdRequest(layout, UIL_IdPayload(layout, objectId), count, &reported);
 }

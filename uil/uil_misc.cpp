@@ -6,26 +6,16 @@
 #include "bounded/bounded.h"
 #include "uia/uia.h"
 #include "uil/uil.h"
+#include "uil/uil_wire_misc.h"
+
+namespace version = uil_wire::version;
+namespace worker = uil_wire::worker;
 
 namespace {
 
-// Driver version payload: major, minor and patch as u32.
-constexpr size_t kVerMajor = 0;
-constexpr size_t kVerMinor = 4;
-constexpr size_t kVerPatch = 8;
-
-// Worker payload: the program asks for one worker by index; the driver
-// answers the number of workers and that worker's name and two times.
-constexpr size_t kWorkerIndex = 0;
-constexpr size_t kWorkerCount = 4;
-constexpr size_t kWorkerName = 8;
-constexpr size_t kWorkerNameLen = 32;
-constexpr size_t kWorkerLastRefresh = 40;
-constexpr size_t kWorkerPresent = 48;
-static_assert(kWorkerPresent + 7 <= uia_req::GetWorkerInfo.size);
-
-UilWorkerTime readWorkerTime(const UiaPayload& p, size_t off)
+UilWorkerTime readWorkerTime(const UiaPayload& p, UiaField at)
 {
+    size_t off = at.off;
     return UilWorkerTime{p.u16(off), p.u8(off + 2), p.u8(off + 3), p.u8(off + 4), p.u8(off + 5), p.u8(off + 6)};
 }
 
@@ -39,8 +29,8 @@ uint32_t INTF_UIL_GetVersion(char* out, size_t size)
     if (ret != MPI_RET_SUCCESS) {
         return ret;
     }
-    (void)snprintf_s(out, size, size - 1, "%u.%02u.%03u", payload.u32(kVerMajor), payload.u32(kVerMinor),
-                     payload.u32(kVerPatch));
+    (void)snprintf_s(out, size, size - 1, "%u.%02u.%03u", payload.u32(version::kMajor), payload.u32(version::kMinor),
+                     payload.u32(version::kPatch));
     return MPI_RET_SUCCESS;
 }
 
@@ -68,13 +58,13 @@ uint32_t UIL_GetWorkerInfo(std::vector<UilWorkerInfo>* workers)
     uint32_t count = 1;
     for (uint32_t index = 0; index < count; ++index) {
         payload.clear();
-        payload.setU32(kWorkerIndex, index);
+        payload.setU32(worker::kIndex, index);
         uint32_t ret = UIA_Send(uia_req::GetWorkerInfo, payload);
         if (ret != MPI_RET_SUCCESS) {
             UIL_ERR("Get worker {%u} info fail. Ret {%u}", index, ret);
             return ret;
         }
-        count = payload.u32(kWorkerCount);
+        count = payload.u32(worker::kCount);
         if (count > UIL_MAX_WORKERS) {
             UIL_ERR("Worker count {%u} exceed %u", count, UIL_MAX_WORKERS);
             count = UIL_MAX_WORKERS;
@@ -83,9 +73,9 @@ uint32_t UIL_GetWorkerInfo(std::vector<UilWorkerInfo>* workers)
             break;  // no worker at all
         }
         UilWorkerInfo info{};
-        payload.text(kWorkerName, kWorkerNameLen, info.name, sizeof(info.name));
-        info.lastRefresh = readWorkerTime(payload, kWorkerLastRefresh);
-        info.present = readWorkerTime(payload, kWorkerPresent);
+        payload.text(worker::kName, info.name, sizeof(info.name));
+        info.lastRefresh = readWorkerTime(payload, worker::kLastRefresh);
+        info.present = readWorkerTime(payload, worker::kPresent);
         workers->push_back(info);
     }
     return MPI_RET_SUCCESS;

@@ -1,62 +1,28 @@
-// Internal to the object layer: the wire layouts of its requests and the
-// decoders that turn a driver payload into a record. Kept out of the
-// public headers so that the shell never sees a payload.
+// Internal to the object layer: the ID-list requests and the decoders that
+// turn a driver payload into a record. The wire layouts themselves live in
+// uil_wire_*.h, one header per request family, kept out of the public
+// headers so that the shell never sees a payload.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
+#include "mpi/mpi_scope.h"
 #include "uia/uia.h"
 #include "uil/uil_objects.h"
+#include "uil/uil_wire_ids.h"
 
-namespace uil_wire {
 
-// An ID-list request: where the program writes the capacity and where the
-// driver answers the count and the IDs. The buffer sent is the declared
-// size plus room for capacity - 1 more IDs.
-struct IdListLayout {
-    const UiaRequest* req;
-    size_t capacityOff;  // kNoCapacityWord: fixed room, nothing to write
-    size_t countOff;
-    size_t idsOff;
-    uint32_t capacity;
-    const char* what;    // for the trace of a clamped count
-
-    size_t bufferSize() const;
-};
-inline constexpr size_t kNoCapacityWord = static_cast<size_t>(-1);
-
-extern const IdListLayout kArrayIds;         // 0x0b
-extern const IdListLayout kArrayVlunIds;     // 0x19, array ID at 0
-extern const IdListLayout kArrayDiskIds;     // 0x15, array ID at 0
-extern const IdListLayout kTpgIds;           // 0x3c, array ID at 0
-extern const IdListLayout kTpgInfo;          // 0x3d, array ID at 0, TPG ID at 4
-extern const IdListLayout kPathIds;          // 0x1f, disk ID at 0
-extern const IdListLayout kPhyPathIds;       // 0x29, array ID at 0
-extern const IdListLayout kPhyPathDiskIds;   // 0x16, physical path ID at 0
-extern const IdListLayout kHbaIds;           // 0x42
-extern const IdListLayout kHbaPathIds;       // 0x2c, HBA ID at 0
-
-// Input word offsets shared by the requests above.
-inline constexpr size_t kInObjectId = 0;
-inline constexpr size_t kInTpgId = 4;
-
-// TPG info (0x3d) answer fields besides the path IDs.
-inline constexpr size_t kTpgState = 12;
-inline constexpr size_t kTpgRemote = 20;
-
-// TPG name (0x3e).
-inline constexpr size_t kTpgNameArray = 0;
-inline constexpr size_t kTpgNameTpg = 4;
-inline constexpr size_t kTpgNameText = 8;
-
-}  // namespace uil_wire
-
-// Issues an ID-list request whose input words were already written into
-// `payload` (sized layout.bufferSize()), then hands back the IDs sorted and
-// clamped to the capacity. 1024, the request's code, or 1037.
+// Every ID-list request goes through one buffer, sized once for the largest
+// list and reused: UIL_IdPayload hands it out cleared for `layout` (the
+// caller then writes any input besides the object ID), UIL_RunIdListRequest
+// sends it and hands back the IDs sorted, clamped to the capacity and each
+// listed once, in a list sized to what the driver answered. The buffer's
+// other answer fields stay readable until the next ID-list request.
+// 1024, the request's code, or 1037.
+UiaPayload& UIL_IdPayload(const uil_wire::IdListLayout& layout, uint32_t objectId);
 uint32_t UIL_RunIdListRequest(const uil_wire::IdListLayout& layout, UiaPayload& payload, UilIdList** out);
-// The same with one input word (the object ID at 0).
+// Both steps for a request whose only input is the object ID.
 uint32_t UIL_EnumerateIds(const uil_wire::IdListLayout& layout, uint32_t objectId, UilIdList** out);
 // Only the count the driver answers (clamped), for the LUN count of a path.
 uint32_t UIL_CountIds(const uil_wire::IdListLayout& layout, uint32_t objectId, uint32_t* count);
@@ -85,11 +51,3 @@ void UIL_InitDiskInfo(DiskInfo* disk);
 uint32_t UIL_BuildControllerList(uint32_t arrayId, MPI_ListNode* head, bool withLunCounts);
 // Reads only the array record (request 0x0c), no disk check and no controllers.
 uint32_t UIL_GetArrayRecord(uint32_t arrayId, ArrayInfo* array);
-
-// The record holding `node` as its first member `links`, for read-only walks.
-template <typename T>
-const T* UIL_ListEntry(const MPI_ListNode* node)
-{
-    static_assert(offsetof(T, links) == 0, "records open with their links");
-    return reinterpret_cast<const T*>(node);
-}

@@ -6,6 +6,14 @@
 
 #include "bounded/bounded.h"
 #include "uil/uil_objects_int.h"
+#include "uil/uil_wire_path.h"
+
+namespace phy = uil_wire::phy;
+namespace logical = uil_wire::logical;
+namespace hba = uil_wire::hba;
+using uil_wire::kIpEnd;
+using uil_wire::kIpFirst;
+using uil_wire::kIpv6Only;
 
 const std::array<const char*, UIL_PATH_IO_COUNT> g_apszCVPathIoState{
     "CVIOC_PATH_IO_NORMAL",      "CVIOC_PATH_IO_FAILBACK",    "CVIOC_PATH_IO_BUSY",
@@ -21,44 +29,6 @@ const std::array<const char*, UIL_PATH_IO_COUNT> g_apszUIlPathIoState{
 };
 
 namespace {
-
-// Physical path record (request 0x2a, 1080 bytes).
-namespace phy {
-constexpr size_t kId = 0, kArray = 4, kController = 8, kLink = 12, kIoState = 16, kWord20 = 20, kWord24 = 24,
-                 kPortType = 28, kWord32 = 32, kCheckStep = 36, kPrevCheckStep = 40, kRetry = 48, kFault = 56,
-                 kWord64 = 64, kLatHigh = 72, kLatLow = 80, kLatAvg = 88, kArrayName = 96, kInitiator = 184,
-                 kTarget = 432, kVendor = 680, kFlags = 816, kText820 = 820, kEnabled = 844, kWords848 = 848,
-                 kTexts868 = 868, kBytes902 = 902, kControllerText = 904, kPortId = 937, kInitTcp = 1068,
-                 kTargetTcp = 1072;
-}  // namespace phy
-
-// Logical path record (request 0x20, 1080 bytes); inputs disk ID at 0 and
-// physical path ID at 4.
-namespace logical {
-constexpr size_t kInDisk = 0, kInPath = 4;
-constexpr size_t kId = 4, kObject8 = 8, kObject12 = 12, kState = 16, kWord20 = 20, kIoState = 24, kWord28 = 28,
-                 kScsi = 32, kWord44 = 44, kFlags48 = 48, kWord52 = 52, kWord56 = 56, kPortType = 60, kWord64 = 64,
-                 kPathFlags = 68, kInitTcp = 72, kTargetTcp = 80, kScsiLun = 88, kByte96 = 96, kEnabled = 97,
-                 kArrayName = 170, kInitiator = 258, kTarget = 506, kVendor = 754, kControllerText = 890,
-                 kPortId = 923, kFlags = 1052, kText1056 = 1056, kFaulty = 1073;
-}  // namespace logical
-
-// HBA record (requests 0x40 and 0x41, 256 bytes).
-namespace hba {
-constexpr size_t kResult = 0, kId = 4, kWord8 = 8, kWwn = 12, kEnabled = 254;
-constexpr size_t kWwnLen = 241;
-}  // namespace hba
-
-constexpr size_t kArrayNameLen = 80;
-constexpr size_t kVendorLen = 136;
-constexpr size_t kControllerTextLen = 32;
-constexpr size_t kPortIdLen = 128;
-constexpr size_t kShortTextLen = 16;
-
-// Where the address of an iSCSI initiator sits in its name field.
-constexpr size_t kIpFirst = 225;
-constexpr size_t kIpv6Only = 229;  // bytes 229..240 non-zero: IPv6
-constexpr size_t kIpEnd = 241;
 
 struct WordRow {
     uint32_t code;
@@ -138,50 +108,39 @@ void copyWord(const char* word, char* out, size_t size)
 // A port name field copied up to its first zero byte and at most `limit` characters.
 size_t copyPortName(char* out, size_t outSize, const uint8_t* name, size_t nameSize, size_t limit)
 {
-    size_t n = 0;
-    while (n < nameSize && n < limit && n + 1 < outSize && name[n] != 0) {
-        out[n] = static_cast<char>(name[n]);
-        ++n;
+    size_t n = std::min({nameSize, limit, outSize - 1});
+    const void* nul = std::memchr(name, 0, n);
+    if (nul != nullptr) {
+        n = static_cast<size_t>(static_cast<const uint8_t*>(nul) - name);
+    }
+    if (n != 0) {
+        (void)memcpy_s(out, outSize, name, n);
     }
     out[n] = '\0';
     return n;
 }
 
-void readCommonTexts(const UiaPayload& p, UilPathInfo* path, size_t arrayNameOff, size_t vendorOff,
-                     size_t controllerOff, size_t portIdOff)
-{
-    UIL_TransNameToGb2312(p.data() + arrayNameOff, kArrayNameLen, path->arrayName, sizeof(path->arrayName));
-    p.text(vendorOff, kVendorLen, path->vendorDriver, sizeof(path->vendorDriver));
-    p.text(controllerOff, kControllerTextLen, path->controllerText, sizeof(path->controllerText));
-    p.text(portIdOff, kPortIdLen, path->portId, sizeof(path->portId));
-}
+// The texts both path records carry.
+struct PathTexts {
+    UiaField arrayName, vendor, controller, portId, initiator, target;
+};
+constexpr PathTexts kPhyTexts{phy::kArrayName, phy::kVendor, phy::kControllerText,
+                              phy::kPortId,    phy::kInitiator, phy::kTarget};
+constexpr PathTexts kLogicalTexts{logical::kArrayName, logical::kVendor, logical::kControllerText,
+                                  logical::kPortId,    logical::kInitiator, logical::kTarget};
 
-void readPorts(const UiaPayload& p, UilPathInfo* path, size_t initiatorOff, size_t targetOff)
+// Needs the port type and the TCP ports already decoded.
+void readTexts(const UiaPayload& p, UilPathInfo* path, const PathTexts& at)
 {
-    UIL_GetPrintableInitiatorWwn(path->initiatorPort, sizeof(path->initiatorPort), p.data() + initiatorOff,
-                                 UIL_PORT_NAME_LEN, path->portType, path->initiatorTcpPort);
-    UIL_GetPrintableTargetWwn(path->targetPort, sizeof(path->targetPort), p.data() + targetOff, UIL_PORT_NAME_LEN,
+    UIL_TransNameToGb2312(p.bytes(at.arrayName), at.arrayName.len, path->arrayName, sizeof(path->arrayName));
+    p.text(at.vendor, path->vendorDriver);
+    p.text(at.controller, path->controllerText);
+    p.text(at.portId, path->portId);
+    UIL_GetPrintableInitiatorWwn(path->initiatorPort, sizeof(path->initiatorPort), p.bytes(at.initiator),
+                                 at.initiator.len, path->portType, path->initiatorTcpPort);
+    UIL_GetPrintableTargetWwn(path->targetPort, sizeof(path->targetPort), p.bytes(at.target), at.target.len,
                               path->portType, path->targetTcpPort);
 }
-
-// A record list built by one of the enumerations below: freed on every
-// early return unless released to the caller.
-class PathListGuard {
-public:
-    explicit PathListGuard(MPI_ListNode* head) : m_head(head) { MPI_ListInit(head); }
-    ~PathListGuard()
-    {
-        if (m_head != nullptr) {
-            UIL_PathListFree(m_head);
-        }
-    }
-    PathListGuard(const PathListGuard&) = delete;
-    PathListGuard& operator=(const PathListGuard&) = delete;
-    void release() { m_head = nullptr; }
-
-private:
-    MPI_ListNode* m_head;
-};
 
 UilPathInfo* allocPath()
 {
@@ -201,7 +160,7 @@ void UIL_PathListFree(MPI_ListNode* head)
         MPI_ListNode* node = head->next;
         MPI_ListDelete(node);
         MPI_ListInit(node);
-        std::free(MPI_LIST_ENTRY(node, UilPathInfo, links));
+        std::free(UIL_ListEntry<UilPathInfo>(node));
     }
 }
 
@@ -367,19 +326,18 @@ void UIL_TransPhyPathInfo(const UiaPayload& p, UilPathInfo* path)
     path->latencyLowMs = p.u64(phy::kLatLow);
     path->latencyAvgMs = p.u64(phy::kLatAvg);
     path->arrayFlags = p.u32(phy::kFlags);
-    p.text(phy::kText820, kShortTextLen, path->phyText820, sizeof(path->phyText820));
+    p.text(phy::kText820, path->phyText820);
     path->enabled = p.u8(phy::kEnabled);
     for (size_t i = 0; i < 5; ++i) {
-        path->phyWords848[i] = p.u32(phy::kWords848 + 4 * i);
+        path->phyWords848[i] = p.u32At(phy::kWords848, i);
     }
-    for (size_t i = 0; i < 2; ++i) {
-        p.text(phy::kTexts868 + kShortTextLen * i, kShortTextLen, path->phyTexts868[i], sizeof(path->phyTexts868[i]));
-        path->phyBytes902[i] = p.u8(phy::kBytes902 + i);
-    }
+    p.text(phy::kText868, path->phyTexts868[0]);
+    p.text(phy::kText884, path->phyTexts868[1]);
+    path->phyBytes902[0] = p.u8(phy::kByte902);
+    path->phyBytes902[1] = p.u8(phy::kByte903);
     path->initiatorTcpPort = p.u32(phy::kInitTcp);
     path->targetTcpPort = p.u32(phy::kTargetTcp);
-    readCommonTexts(p, path, phy::kArrayName, phy::kVendor, phy::kControllerText, phy::kPortId);
-    readPorts(p, path, phy::kInitiator, phy::kTarget);
+    readTexts(p, path, kPhyTexts);
     path->pathState = UIL_PhyPathStateWord(path->enabled, path->linkState, path->ioState);
     path->ioStateWord = UIL_PathIoStateWord(path->ioState);
     UIL_TransCheckStartTypeToStr(path->checkStartType, path->checkStartWord, sizeof(path->checkStartWord));
@@ -398,12 +356,12 @@ void UIL_TransPathInfo(const UiaPayload& p, UilPathInfo* path)
     path->logWord20 = p.u32(logical::kWord20);
     path->ioState = p.u32(logical::kIoState);
     path->logWord28 = p.u32(logical::kWord28);
-    path->scsiHost = p.u32(logical::kScsi);
-    path->scsiChannel = p.u32(logical::kScsi + 4);
-    path->scsiTarget = p.u32(logical::kScsi + 8);
+    path->scsiHost = p.u32(logical::kScsiHost);
+    path->scsiChannel = p.u32(logical::kScsiChannel);
+    path->scsiTarget = p.u32(logical::kScsiTarget);
     path->logWord44 = p.u32(logical::kWord44);
-    path->logFlags48[0] = p.u8(logical::kFlags48);
-    path->logFlags48[1] = p.u8(logical::kFlags48 + 1);
+    path->logFlags48[0] = p.u8(logical::kFlag48);
+    path->logFlags48[1] = p.u8(logical::kFlag49);
     path->logWord52 = p.u32(logical::kWord52);
     path->logWord56 = p.u32(logical::kWord56);
     path->portType = p.u32(logical::kPortType);
@@ -415,10 +373,9 @@ void UIL_TransPathInfo(const UiaPayload& p, UilPathInfo* path)
     path->logByte96 = p.u8(logical::kByte96);
     path->enabled = p.u8(logical::kEnabled);
     path->arrayFlags = p.u32(logical::kFlags);
-    p.text(logical::kText1056, kShortTextLen, path->logText1056, sizeof(path->logText1056));
+    p.text(logical::kText1056, path->logText1056);
     path->faulty = p.u8(logical::kFaulty);
-    readCommonTexts(p, path, logical::kArrayName, logical::kVendor, logical::kControllerText, logical::kPortId);
-    readPorts(p, path, logical::kInitiator, logical::kTarget);
+    readTexts(p, path, kLogicalTexts);
     path->pathState = UIL_LogicalPathStateWord(path->enabled, path->driverPathState, path->ioState, path->faulty);
     path->ioStateWord = UIL_PathIoStateWord(path->ioState);
 }
@@ -481,35 +438,47 @@ uint32_t INTF_UIL_GetPhyPathInfo(uint32_t pathId, UilPathInfo* out)
     return MPI_RET_SUCCESS;
 }
 
+namespace {
+
+// Reads the record of every ID into `head` with `read(id, record)`; an ID
+// whose record cannot be read is skipped. 1024, 2 when nothing was read,
+// 1037 (the list is then left empty).
+template <typename Read>
+uint32_t fillPathList(const UilIdList& ids, MPI_ListNode* head, Read read)
+{
+    MPI_ScopeExit freeOnFailure([head] { UIL_PathListFree(head); });
+    for (uint32_t pathId : ids.view()) {
+        UilPathInfo* path = allocPath();
+        if (path == nullptr) {
+            UIL_ERR("malloc for path info fail");
+            return MPI_RET_NO_MEMORY;
+        }
+        if (read(pathId, path) != MPI_RET_SUCCESS) {
+            std::free(path);
+            continue;
+        }
+        MPI_ListAddTail(&path->links, head);
+    }
+    freeOnFailure.dismiss();
+    return MPI_ListEmpty(head) ? MPI_RET_NOT_FOUND : MPI_RET_SUCCESS;
+}
+
+}  // namespace
+
 uint32_t UIL_EnumeratePathStart(uint32_t diskId, MPI_ListNode* head)
 {
     UIL_ASSERT(head != nullptr);
-    PathListGuard guard(head);
+    MPI_ListInit(head);
     UilIdList* ids = nullptr;
     uint32_t ret = UIL_EnumeratePathIdsStart(diskId, &ids);
     if (ret != MPI_RET_SUCCESS) {
         UIL_ERR("Enumerate path ids of disk {%u} fail. ret {%u}", diskId, ret);
         return ret;
     }
-    for (uint32_t pathId : ids->view()) {
-        UilPathInfo* path = allocPath();
-        if (path == nullptr) {
-            UIL_ERR("malloc for path info fail");
-            UIL_EnumeratePathIdsEnd(ids);
-            return MPI_RET_NO_MEMORY;
-        }
-        if (UIL_GetPathInfo(diskId, pathId, path) != MPI_RET_SUCCESS) {
-            std::free(path);
-            continue;
-        }
-        MPI_ListAddTail(&path->links, head);
-    }
-    UIL_EnumeratePathIdsEnd(ids);
-    if (MPI_ListEmpty(head)) {
-        return MPI_RET_NOT_FOUND;
-    }
-    guard.release();
-    return MPI_RET_SUCCESS;
+    MPI_Ended<UIL_EnumeratePathIdsEnd> owner(ids);
+    return fillPathList(*ids, head, [diskId](uint32_t pathId, UilPathInfo* path) {
+        return UIL_GetPathInfo(diskId, pathId, path);
+    });
 }
 
 void UIL_EnumeratePathEnd(MPI_ListNode* head) { UIL_PathListFree(head); }
@@ -517,7 +486,7 @@ void UIL_EnumeratePathEnd(MPI_ListNode* head) { UIL_PathListFree(head); }
 uint32_t INTF_UIL_EnumeratePhyPathStart(uint32_t arrayId, MPI_ListNode* head)
 {
     UIL_ASSERT(head != nullptr);
-    PathListGuard guard(head);
+    MPI_ListInit(head);
     UilIdList* ids = nullptr;
     uint32_t ret = UIL_EnumeratePhyPathIdsStart(arrayId, &ids);
     if (ret == MPI_RET_NO_MEMORY) {
@@ -527,25 +496,8 @@ uint32_t INTF_UIL_EnumeratePhyPathStart(uint32_t arrayId, MPI_ListNode* head)
         UIL_ERR("Enumerate physical path ids of array {%u} fail. ret {%u}", arrayId, ret);
         return UIL_RET_NO_PATH;
     }
-    for (uint32_t pathId : ids->view()) {
-        UilPathInfo* path = allocPath();
-        if (path == nullptr) {
-            UIL_ERR("malloc for path info fail");
-            UIL_EnumeratePhyPathIdsEnd(ids);
-            return MPI_RET_NO_MEMORY;
-        }
-        if (INTF_UIL_GetPhyPathInfo(pathId, path) != MPI_RET_SUCCESS) {
-            std::free(path);
-            continue;
-        }
-        MPI_ListAddTail(&path->links, head);
-    }
-    UIL_EnumeratePhyPathIdsEnd(ids);
-    if (MPI_ListEmpty(head)) {
-        return MPI_RET_NOT_FOUND;
-    }
-    guard.release();
-    return MPI_RET_SUCCESS;
+    MPI_Ended<UIL_EnumeratePhyPathIdsEnd> owner(ids);
+    return fillPathList(*ids, head, INTF_UIL_GetPhyPathInfo);
 }
 
 void INTF_UIL_EnumeratePhyPathEnd(MPI_ListNode* head) { UIL_PathListFree(head); }
@@ -560,26 +512,21 @@ uint32_t UIL_GetLogicalLunForPhyPath(UilPathInfo* phyPath)
         UIL_ERR("Enumerate vlun ids fail");
         return ret;
     }
+    MPI_Ended<UIL_EnumeratePhyPathDiskIdsEnd> owner(disks);
     phyPath->lunCount = disks->count;
-    UilPathInfo* logicalPath = allocPath();
-    if (logicalPath == nullptr) {
-        UIL_EnumeratePhyPathDiskIdsEnd(disks);
-        return MPI_RET_NO_MEMORY;
-    }
+    UilPathInfo logicalPath;
     for (uint32_t diskId : disks->view()) {
-        std::memset(static_cast<void*>(logicalPath), 0, sizeof(*logicalPath));
-        if (UIL_GetPathInfo(diskId, phyPath->pathId, logicalPath) != MPI_RET_SUCCESS) {
+        std::memset(static_cast<void*>(&logicalPath), 0, sizeof(logicalPath));
+        if (UIL_GetPathInfo(diskId, phyPath->pathId, &logicalPath) != MPI_RET_SUCCESS) {
             UIL_ERR("Get path info fail, disk id {%u}, path id {%u}", diskId, phyPath->pathId);
             continue;
         }
         ++phyPath->readLunCount;
-        UIL_ModifyNumforPathStatus(&phyPath->workingLunCount, &phyPath->busyLunCount, logicalPath);
-        if ((logicalPath->pathFlags & UIL_PATH_FLAG_COUNTED) != 0) {
+        UIL_ModifyNumforPathStatus(&phyPath->workingLunCount, &phyPath->busyLunCount, &logicalPath);
+        if ((logicalPath.pathFlags & UIL_PATH_FLAG_COUNTED) != 0) {
             ++phyPath->flaggedLunCount;
         }
     }
-    std::free(logicalPath);
-    UIL_EnumeratePhyPathDiskIdsEnd(disks);
     return MPI_RET_SUCCESS;
 }
 
@@ -591,21 +538,19 @@ uint32_t INTF_UIL_GetAllHbaIds(uint32_t* ids, uint32_t capacity, uint32_t* count
     UIL_ASSERT(ids != nullptr && count != nullptr);
     *count = 0;
     UilIdList* list = nullptr;
-    UiaPayload payload(uil_wire::kHbaIds.bufferSize());
-    uint32_t ret = UIL_RunIdListRequest(uil_wire::kHbaIds, payload, &list);
+    uint32_t ret = UIL_EnumerateIds(uil_wire::kHbaIds, 0, &list);
     if (ret != MPI_RET_SUCCESS) {
         UIL_ERR("Query hba ids by ioctl fail");
         return MPI_RET_FAIL;
     }
+    MPI_Ended<UIL_IdListFree> owner(list);
     if (list->count == 0) {
         UIL_ERR("There is No Hba in the HBA list");
-        UIL_IdListFree(list);
         return MPI_RET_FAIL;
     }
     uint32_t n = UIL_ClampCount(list->count, capacity, "hba ids for the caller");
     std::copy_n(list->ids, n, ids);
     *count = n;
-    UIL_IdListFree(list);
     return MPI_RET_SUCCESS;
 }
 
@@ -632,9 +577,9 @@ uint32_t INTF_UIL_GetHbaInfoByWwn(UilHbaInfo* out)
     UiaPayload payload(uia_req::GetHbaInfoByWwn.size);
     payload.setU32(hba::kResult, MPI_RET_FAIL);
     // The caller's text may fill its buffer: never read past it.
-    char wwn[hba::kWwnLen + 1] = {};
-    (void)memcpy_s(wwn, sizeof(wwn), out->wwn, strnlen(out->wwn, std::min(sizeof(out->wwn), hba::kWwnLen)));
-    payload.setText(hba::kWwn, hba::kWwnLen + 1, wwn);
+    char wwn[hba::kWwnField.len] = {};
+    (void)memcpy_s(wwn, sizeof(wwn), out->wwn, strnlen(out->wwn, std::min(sizeof(out->wwn), hba::kWwn.len)));
+    payload.setText(hba::kWwnField, wwn);
     return queryHba(uia_req::GetHbaInfoByWwn, payload, out);
 }
 

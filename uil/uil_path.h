@@ -11,7 +11,7 @@
 
 // ---------------------------------------------------------------------------
 // Text sizes (buffer sizes, terminator included).
-inline constexpr size_t UIL_PORT_NAME_LEN = 241;        // port name field on the wire
+inline constexpr size_t UIL_PORT_NAME_LEN = 241;        // a port name as the driver sends it
 inline constexpr size_t UIL_PORT_TEXT_SIZE = 282;       // printable initiator / target port
 inline constexpr size_t UIL_ISCSI_NAME_CUT = 223;       // iSCSI names are cut here before "::"
 inline constexpr size_t UIL_IP_TEXT_SIZE = 41;          // IPv6: 8 groups of 4 hex digits and 7 colons
@@ -103,14 +103,14 @@ struct UilPathInfo {
     UilPathKind kind;
     uint32_t pathId;    // physical path ID; a logical path carries the ID of its physical path
     uint32_t diskId;    // logical paths: the disk this path belongs to
-    uint32_t arrayId;   // physical: wire 4
-    uint32_t controllerId;  // physical: wire 8 (TPG ID within the array)
-    uint32_t linkState;     // physical: wire 12 (1 = connected)
-    uint32_t driverPathState;  // logical: wire 16 (9, 11, 12 are working states)
+    uint32_t arrayId;   // physical
+    uint32_t controllerId;  // physical (TPG ID within the array)
+    uint32_t linkState;     // physical (1 = connected)
+    uint32_t driverPathState;  // logical (9, 11, 12 are working states)
     uint32_t ioState;          // I/O state code 19..27
     uint32_t portType;         // UIL_PORT_*
     uint8_t enabled;           // 0 = disabled by the operator
-    uint8_t faulty;            // logical: wire 1073, 1 = faulty whatever the state
+    uint8_t faulty;            // logical, 1 = faulty whatever the state
 
     char initiatorPort[UIL_PORT_TEXT_SIZE];  // printable (iSCSI: "name::ip::port")
     char targetPort[UIL_PORT_TEXT_SIZE];     // printable (iSCSI: "name::port")
@@ -122,14 +122,14 @@ struct UilPathInfo {
     const char* pathState;    // one of UIL_PATH_STATE_* (physical or logical rule)
     const char* ioStateWord;  // g_apszCVPathIoState entry or UIL_PATH_IO_UNKNOWN_TEXT
 
-    char checkStartWord[UIL_CHECK_WORD_SIZE];   // physical: start type at wire 20 ("Init", "Auto", "Manual" or "")
-    char checkStepWord[UIL_CHECK_WORD_SIZE];    // physical: step of the last check, wire 36
-    char prevCheckStepWord[UIL_CHECK_WORD_SIZE];  // physical: step of the previous check, wire 40
+    char checkStartWord[UIL_CHECK_WORD_SIZE];   // physical: check start type ("Init", "Auto", "Manual" or "")
+    char checkStepWord[UIL_CHECK_WORD_SIZE];    // physical: step of the last check
+    char prevCheckStepWord[UIL_CHECK_WORD_SIZE];  // physical: step of the previous check
     uint32_t checkStartType;
     uint32_t checkStep;
     uint32_t prevCheckStep;
 
-    // Physical-path counters (wire 48..95) shown by the detail view.
+    // Physical-path counters shown by the detail view.
     uint64_t ioRetryCount;
     uint64_t pathFaultCount;
     uint64_t latencyHighMs;
@@ -141,32 +141,32 @@ struct UilPathInfo {
     uint32_t arrayFlags;        // bit 24: engine-and-letter controller naming
 
     // Physical-path words carried through unchanged.
-    uint32_t phyWord20;       // wire 20
-    uint32_t phyWord24;       // wire 24: must be non-zero for `set phypathnormal`
-    uint32_t phyWord32;       // wire 32: the word after the port type
-    uint32_t phyWord64;       // wire 64
-    char phyText820[UIL_SHORT_TEXT_SIZE];    // wire 820 (16)
-    uint32_t phyWords848[5];  // wire 848..867
-    char phyTexts868[2][UIL_SHORT_TEXT_SIZE];  // wire 868, 884 (16 each)
-    uint8_t phyBytes902[2];   // wire 902, 903
+    uint32_t phyWord20;
+    uint32_t phyWord24;       // must be non-zero for `set phypathnormal`
+    uint32_t phyWord32;
+    uint32_t phyWord64;
+    char phyText820[UIL_SHORT_TEXT_SIZE];
+    uint32_t phyWords848[5];
+    char phyTexts868[2][UIL_SHORT_TEXT_SIZE];
+    uint8_t phyBytes902[2];
 
     // Logical-path words carried through unchanged.
-    uint32_t logObject8;      // wire 8
-    uint32_t logObject12;     // wire 12
-    uint32_t logWord20;       // wire 20
-    uint32_t logWord28;       // wire 28
-    uint32_t scsiHost;        // wire 32 } SCSI address of the disk
-    uint32_t scsiChannel;     // wire 36 } on this path, shown as
-    uint32_t scsiTarget;      // wire 40 } [host:channel:target:lun]
-    uint64_t scsiLun;         // wire 88 }
-    uint32_t logWord44;       // wire 44
-    uint8_t logFlags48[2];    // wire 48, 49
-    uint32_t logWord52;       // wire 52
-    uint32_t logWord56;       // wire 56
-    uint32_t logWord64;       // wire 64
-    uint32_t pathFlags;       // wire 68: bit 4 counted by UIL_GetLogicalLunForPhyPath
-    uint8_t logByte96;        // wire 96
-    char logText1056[UIL_SHORT_TEXT_SIZE];  // wire 1056 (16)
+    uint32_t logObject8;
+    uint32_t logObject12;
+    uint32_t logWord20;
+    uint32_t logWord28;
+    uint32_t scsiHost;        // } SCSI address of the disk
+    uint32_t scsiChannel;     // } on this path, shown as
+    uint32_t scsiTarget;      // } [host:channel:target:lun]
+    uint64_t scsiLun;         // }
+    uint32_t logWord44;
+    uint8_t logFlags48[2];
+    uint32_t logWord52;
+    uint32_t logWord56;
+    uint32_t logWord64;
+    uint32_t pathFlags;       // bit 4 counted by UIL_GetLogicalLunForPhyPath
+    uint8_t logByte96;
+    char logText1056[UIL_SHORT_TEXT_SIZE];
 
     // Filled on request (UIL_GetLogicalLunForPhyPath and the controller
     // lists): LUNs running over a physical path.
@@ -249,19 +249,12 @@ void INTF_UIL_EnumeratePhyPathEnd(MPI_ListNode* head);
 uint32_t UIL_GetLogicalLunForPhyPath(UilPathInfo* phyPath);
 
 // ---------------------------------------------------------------------------
-// HBAs. Wire layouts (little-endian):
-//   all HBA IDs (0x42, declared 12, sent with 12 + 4 * (64 - 1)): u32
-//     capacity at 0 (written by the program), u32 count at 4, u32 IDs from 8;
-//   HBA info by WWN / by ID (0x40 / 0x41, 256): u32 result at 0 (preset to
-//     1030), u32 HBA ID at 4 (input of the by-ID query), u32 word at 8, WWN
-//     text at 12 (241, input of the by-WWN query), u8 enabled at 254;
-//   physical paths of an HBA (0x2c, 848): u32 HBA ID at 0, u32 count at 4,
-//     u32 path IDs from 8 (at most 210).
+// HBAs.
 struct UilHbaInfo {
-    uint32_t hbaId;    // wire 4
-    uint32_t word8;    // wire 8, second word returned by the driver
-    char wwn[UIL_HBA_WWN_SIZE];  // wire 12 (241): input of the by-WWN query
-    uint8_t enabled;   // wire 254; 0 = the HBA is disabled
+    uint32_t hbaId;              // input of the by-ID query
+    uint32_t word8;              // second word returned by the driver
+    char wwn[UIL_HBA_WWN_SIZE];  // input of the by-WWN query
+    uint8_t enabled;             // 0 = the HBA is disabled
 };
 
 // Every HBA ID, sorted ascending, into `ids` (room for `capacity`).

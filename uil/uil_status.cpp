@@ -23,7 +23,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -43,21 +42,6 @@ void copyText(char (&out)[N], const char* text)
     (void)strncpy_s(out, N, text, std::min(std::strlen(text), N - 1));
 }
 
-// Owns the lists built for one array and releases them on every return.
-struct ArrayScan {
-    ArrayInfo array;
-    UilIdList* diskIds = nullptr;
-
-    ArrayScan() { UIL_InitArrayInfo(&array); }
-    ~ArrayScan()
-    {
-        UIL_ControllerListFree(&array.controllers);
-        INTF_UIL_EnumerateDiskIdsEnd(diskIds);
-    }
-    ArrayScan(const ArrayScan&) = delete;
-    ArrayScan& operator=(const ArrayScan&) = delete;
-};
-
 class StatusCollector {
 public:
     explicit StatusCollector(MPI_ListNode* head) : m_head(head) {}
@@ -65,8 +49,8 @@ public:
     uint32_t scanArray(uint32_t arrayId);
 
 private:
-    uint32_t scanPaths(const ArrayScan& scan);
-    uint32_t scanDisk(const ArrayScan& scan, uint32_t diskId, bool arrayRedundant);
+    uint32_t scanPaths(const ArrayInfo& array);
+    uint32_t scanDisk(const ArrayInfo& array, uint32_t diskId, bool arrayRedundant);
     UilStatusRecord* add(uint32_t severity, uint32_t type, const ArrayInfo& array);
     void describePath(UilStatusRecord* rec, const ArrayInfo& array, const UilPathInfo& path, uint32_t controllerId);
 
@@ -99,9 +83,8 @@ void StatusCollector::describePath(UilStatusRecord* rec, const ArrayInfo& array,
     (void)m_namer.format(array.arrayId, controllerId, array.capability, rec->controller, sizeof(rec->controller));
 }
 
-uint32_t StatusCollector::scanPaths(const ArrayScan& scan)
+uint32_t StatusCollector::scanPaths(const ArrayInfo& array)
 {
-    const ArrayInfo& array = scan.array;
     const MPI_ListNode* controllers = &array.controllers;
     for (const MPI_ListNode* c = controllers->next; c != controllers; c = c->next) {
         const UilController* controller = UIL_ListEntry<UilController>(c);
@@ -151,9 +134,8 @@ uint32_t usableControllers(const ArrayInfo& array)
     return count;
 }
 
-uint32_t StatusCollector::scanDisk(const ArrayScan& scan, uint32_t diskId, bool arrayRedundant)
+uint32_t StatusCollector::scanDisk(const ArrayInfo& array, uint32_t diskId, bool arrayRedundant)
 {
-    const ArrayInfo& array = scan.array;
     DiskInfo disk;
     if (INTF_UIL_GetDiskBasicInfoStart(diskId, &disk) != MPI_RET_SUCCESS) {
         UIL_ERR("Get disk info fail, disk id {%u}", diskId);
@@ -180,11 +162,11 @@ uint32_t StatusCollector::scanDisk(const ArrayScan& scan, uint32_t diskId, bool 
         UIL_ERR("Get paths of disk {%u} fail. ret {%u}", diskId, ret);  // unknown, not down
         return MPI_RET_SUCCESS;
     }
-    std::unique_ptr<MPI_ListNode, void (*)(MPI_ListNode*)> pathsGuard(&paths, UIL_EnumeratePathEnd);
+    MPI_Ended<UIL_EnumeratePathEnd> pathsOwner(&paths);
     std::unordered_set<uint32_t> controllers;
     bool anyUsable = false;
     for (MPI_ListNode* p = paths.next; p != &paths; p = p->next) {
-        UilPathInfo* path = MPI_LIST_ENTRY(p, UilPathInfo, links);
+        UilPathInfo* path = UIL_ListEntry<UilPathInfo>(p);
         if (disk.unavailable == 1 && std::strcmp(path->pathState, UIL_PATH_STATE_DISABLE) != 0) {
             path->pathState = UIL_PATH_STATE_FAULT;  // as the disk's detail shows it
         }
@@ -221,39 +203,42 @@ uint32_t StatusCollector::scanDisk(const ArrayScan& scan, uint32_t diskId, bool 
 
 uint32_t StatusCollector::scanArray(uint32_t arrayId)
 {
-    ArrayScan scan;
-    if (UIL_GetArrayRecord(arrayId, &scan.array) != MPI_RET_SUCCESS) {
+    ArrayInfo array;
+    if (UIL_GetArrayRecord(arrayId, &array) != MPI_RET_SUCCESS) {
         UIL_ERR("Get Array info fail, array id {%u}", arrayId);
         return MPI_RET_SUCCESS;
     }
-    uint32_t ret = INTF_UIL_EnumerateArrayDiskIdsStart(arrayId, &scan.diskIds);
+    UilIdList* diskIds = nullptr;
+    uint32_t ret = INTF_UIL_EnumerateArrayDiskIdsStart(arrayId, &diskIds);
     if (ret == MPI_RET_NO_MEMORY) {
         return ret;
     }
-    if (ret != MPI_RET_SUCCESS || scan.diskIds->count == 0) {
+    MPI_Ended<INTF_UIL_EnumerateDiskIdsEnd> disksOwner(diskIds);
+    if (ret != MPI_RET_SUCCESS || diskIds->count == 0) {
         UIL_ERR("there is no vlun in Array {%u}", arrayId);
         return MPI_RET_SUCCESS;
     }
-    ret = UIL_BuildControllerList(arrayId, &scan.array.controllers, false);
+    ret = UIL_BuildControllerList(arrayId, &array.controllers, false);
+    MPI_Ended<INTF_UIL_GetPhyTpgInfoEnd> controllersOwner(&array);
     if (ret == MPI_RET_NO_MEMORY) {
         return ret;
     }
     m_paths.clear();
-    ret = scanPaths(scan);
+    MPI_ScopeExit forgetPaths([this] { m_paths.clear(); });
+    ret = scanPaths(array);
     if (ret != MPI_RET_SUCCESS) {
         return ret;
     }
-    uint32_t usable = usableControllers(scan.array);
-    if (usable == 1 && add(UIL_SEVERITY_MAJOR, UIL_STATUS_NO_REDUNDANT_CTRL, scan.array) == nullptr) {
+    uint32_t usable = usableControllers(array);
+    if (usable == 1 && add(UIL_SEVERITY_MAJOR, UIL_STATUS_NO_REDUNDANT_CTRL, array) == nullptr) {
         return MPI_RET_NO_MEMORY;
     }
-    for (uint32_t diskId : scan.diskIds->view()) {
-        ret = scanDisk(scan, diskId, usable > 1);
+    for (uint32_t diskId : diskIds->view()) {
+        ret = scanDisk(array, diskId, usable > 1);
         if (ret != MPI_RET_SUCCESS) {
             return ret;
         }
     }
-    m_paths.clear();
     return MPI_RET_SUCCESS;
 }
 
@@ -268,7 +253,7 @@ uint32_t INTF_UIL_CheckArrayPathDiskStatus(MPI_ListNode* head)
     if (ret != MPI_RET_SUCCESS) {
         return ret;
     }
-    std::unique_ptr<UilIdList, void (*)(UilIdList*)> arraysGuard(arrays, INTF_UIL_EnumerateArrayIdsEnd);
+    MPI_Ended<INTF_UIL_EnumerateArrayIdsEnd> arraysOwner(arrays);
     if (arrays->count == 0) {
         return MPI_RET_NOT_FOUND;
     }
@@ -290,6 +275,7 @@ void INTF_UIL_CheckStatusEnd(MPI_ListNode* head)
     while (!MPI_ListEmpty(head)) {
         MPI_ListNode* node = head->next;
         MPI_ListDelete(node);
-        std::free(MPI_LIST_ENTRY(node, UilStatusRecord, links));
+        MPI_ListInit(node);
+        std::free(UIL_ListEntry<UilStatusRecord>(node));
     }
 }

@@ -7,6 +7,8 @@
 #include "bounded/bounded.h"
 #include "uil/uil_objects_int.h"
 
+static_assert(uil_wire::tpg_name::kName.len == UIL_TPG_NAME_LEN);
+
 namespace {
 
 constexpr const char kNoName[] = "-";
@@ -45,7 +47,7 @@ void UIL_ControllerListFree(MPI_ListNode* head)
         MPI_ListNode* node = head->next;
         MPI_ListDelete(node);
         MPI_ListInit(node);
-        freeController(MPI_LIST_ENTRY(node, UilController, links));
+        freeController(UIL_ListEntry<UilController>(node));
     }
 }
 
@@ -64,19 +66,19 @@ uint32_t UIL_EnumerateTpgStart(uint32_t arrayId, uint32_t tpgId, UilTpgInfo** ou
         UIL_ERR("Allocate memory for ioctl tpg info fail");
         return MPI_RET_NO_MEMORY;
     }
-    UiaPayload payload(uil_wire::kTpgInfo.bufferSize());
-    payload.setU32(uil_wire::kInObjectId, arrayId);
-    payload.setU32(uil_wire::kInTpgId, tpgId);
+    MPI_ScopeExit freeOnFailure([tpg] { UIL_EnumerateTpgEnd(tpg); });
+    UiaPayload& payload = UIL_IdPayload(uil_wire::kTpgInfo, arrayId);
+    payload.setU32(uil_wire::tpg_info::kTpgId, tpgId);
     uint32_t ret = UIL_RunIdListRequest(uil_wire::kTpgInfo, payload, &tpg->paths);
     if (ret != MPI_RET_SUCCESS) {
         UIL_ERR("Query tpg info by ioctl fail");
-        std::free(tpg);
         return ret;
     }
     tpg->arrayId = arrayId;
     tpg->tpgId = tpgId;
-    tpg->state = payload.u32(uil_wire::kTpgState);
-    tpg->remote = payload.u8(uil_wire::kTpgRemote);
+    tpg->state = payload.u32(uil_wire::tpg_info::kState);
+    tpg->remote = payload.u8(uil_wire::tpg_info::kRemote);
+    freeOnFailure.dismiss();
     *out = tpg;
     return MPI_RET_SUCCESS;
 }
@@ -154,38 +156,34 @@ uint32_t UIL_BuildControllerList(uint32_t arrayId, MPI_ListNode* head, bool with
         UIL_ERR("Enumerate Tpg's Ids fail");
         return ret;
     }
+    MPI_Ended<UIL_EnumerateTpgIdsEnd> idsOwner(tpgIds);
+    MPI_ScopeExit freeOnFailure([head] { UIL_ControllerListFree(head); });
     for (uint32_t tpgId : tpgIds->view()) {
         UilTpgInfo* tpg = nullptr;
         ret = UIL_EnumerateTpgStart(arrayId, tpgId, &tpg);
         if (ret == MPI_RET_NO_MEMORY) {
-            break;
+            return ret;
         }
         if (ret != MPI_RET_SUCCESS) {
             UIL_ERR("Get Tpg info fail, tpg id {%u}", tpgId);
             continue;
         }
+        MPI_Ended<UIL_EnumerateTpgEnd> tpgOwner(tpg);
         UilController* controller = allocController();
         if (controller == nullptr) {
             UIL_ERR("malloc for tpg info fail");
-            UIL_EnumerateTpgEnd(tpg);
-            ret = MPI_RET_NO_MEMORY;
-            break;
+            return MPI_RET_NO_MEMORY;
         }
         controller->state = tpg->state;
         controller->tpgId = tpgId;
         controller->remote = tpg->remote;
-        ret = attachTpgPaths(tpg, controller, withLunCounts);
-        UIL_EnumerateTpgEnd(tpg);
         MPI_ListAddTail(&controller->links, head);
+        ret = withLunCounts ? UIL_EnumeratePhyPathForTpg(tpg, controller) : attachTpgPaths(tpg, controller, false);
         if (ret != MPI_RET_SUCCESS) {
-            break;
+            return ret;
         }
     }
-    UIL_EnumerateTpgIdsEnd(tpgIds);
-    if (ret == MPI_RET_NO_MEMORY) {
-        UIL_ControllerListFree(head);
-        return ret;
-    }
+    freeOnFailure.dismiss();
     if (MPI_ListEmpty(head)) {
         UIL_ERR("Get no tpg info");
         return MPI_RET_NOT_FOUND;
@@ -213,8 +211,8 @@ uint32_t INTF_UIL_GetTpgInfo(uint32_t arrayId, uint32_t tpgId, uint32_t* state)
     if (ret != MPI_RET_SUCCESS) {
         return ret;
     }
+    MPI_Ended<UIL_EnumerateTpgEnd> owner(tpg);
     *state = tpg->state;
-    UIL_EnumerateTpgEnd(tpg);
     return MPI_RET_SUCCESS;
 }
 
@@ -223,13 +221,13 @@ uint32_t INTF_UIL_GetTpgName(uint32_t arrayId, uint32_t tpgId, char* out, size_t
     UIL_ASSERT(out != nullptr && size > 0);
     out[0] = '\0';
     UiaPayload payload(uia_req::GetTpgName.size);
-    payload.setU32(uil_wire::kTpgNameArray, arrayId);
-    payload.setU32(uil_wire::kTpgNameTpg, tpgId);
+    payload.setU32(uil_wire::tpg_name::kArray, arrayId);
+    payload.setU32(uil_wire::tpg_name::kTpg, tpgId);
     if (UIA_Send(uia_req::GetTpgName, payload) != MPI_RET_SUCCESS) {
         UIL_ERR("Querry tpg name info by ioctl fail, array id {%u}, tpg id {%u}", arrayId, tpgId);
         return 1;
     }
-    payload.text(uil_wire::kTpgNameText, UIL_TPG_NAME_LEN, out, size);
+    payload.text(uil_wire::tpg_name::kName, out, size);
     return MPI_RET_SUCCESS;
 }
 
@@ -243,20 +241,20 @@ uint32_t INTF_UIL_CheckTpgNameIfExist(uint32_t arrayId, const char* name, uint8_
         UIL_ERR("Enumerate Tpg's Ids fail");
         return ret;
     }
+    MPI_Ended<UIL_EnumerateTpgIdsEnd> owner(ids);
     for (uint32_t id : ids->view()) {
         char tpgName[UIL_CONTROLLER_NAME_SIZE];
         ret = INTF_UIL_GetTpgName(arrayId, id, tpgName, sizeof(tpgName));
         if (ret != MPI_RET_SUCCESS) {
-            break;
+            return ret;
         }
         if (tpgName[0] != '\0' && std::strcmp(tpgName, name) == 0) {
             *found = 1;
             *tpgId = id;
-            break;
+            return MPI_RET_SUCCESS;
         }
     }
-    UIL_EnumerateTpgIdsEnd(ids);
-    return ret;
+    return MPI_RET_SUCCESS;
 }
 
 // ---------------------------------------------------------------------------

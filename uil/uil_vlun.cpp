@@ -3,50 +3,23 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 #include "bounded/bounded.h"
 #include "uil/uil_objects_int.h"
+#include "uil/uil_wire_vlun.h"
+
+namespace disk = uil_wire::disk;
+namespace vlunw = uil_wire::vlun;
 
 namespace {
-
-// Disk record (request 0x17, 544 bytes).
-namespace disk {
-constexpr size_t kId = 0, kVlun = 4, kOwning = 8, kWorking = 12, kArray = 16, kHostLun = 20, kWord24 = 24,
-                 kLunCount = 36, kCapacity = 40, kName = 48, kVendor = 120, kProduct = 136, kRevision = 160,
-                 kWwn = 168, kArrayName = 208, kArraySn = 296, kDriver = 324, kDevice = 460, kCapability = 500,
-                 kByte504 = 504, kValue512 = 512, kValue520 = 520, kValue524 = 524, kByte528 = 528,
-                 kUnavailable = 529, kDevLunId = 532, kDevLunValid = 536, kNormal = 537, kDegraded = 538,
-                 kPathCount = 540;
-constexpr size_t kNameLen = 64, kVendorLen = 8, kProductLen = 16, kRevisionLen = 4, kWwnLen = 32,
-                 kArrayNameLen = 80, kArraySnLen = 20, kDriverLen = 129, kDeviceLen = 64;
-}  // namespace disk
-
-// VLUN record (request 0x5f, 84 bytes).
-namespace vlunw {
-constexpr size_t kId = 0, kWwn = 4, kArraySn = 37, kType = 58, kPe = 59, kMembers = 60, kMemberDisks = 64,
-                 kSuspendTimeout = 72, kSuspendRemain = 76;
-constexpr size_t kWwnLen = 32, kArraySnLen = 20;
-}  // namespace vlunw
 
 template <size_t N>
 void copyText(char (&out)[N], const char* text)
 {
     (void)strncpy_s(out, N, text, std::min(std::strlen(text), N - 1));
-}
-
-struct FreeDeleter {
-    void operator()(void* p) const { std::free(p); }
-};
-template <typename T>
-using ZPtr = std::unique_ptr<T, FreeDeleter>;
-
-template <typename T>
-ZPtr<T> zalloc()
-{
-    return ZPtr<T>(static_cast<T*>(UIL_ZMalloc(sizeof(T))));
 }
 
 }  // namespace
@@ -77,9 +50,9 @@ void UIL_DiskDetailStatus(DiskInfo* d)
     bool anyDegraded = false;
     d->pathCount = 0;
     for (MPI_ListNode* c = d->controllers.next; c != &d->controllers; c = c->next) {
-        UilController* controller = MPI_LIST_ENTRY(c, UilController, links);
+        UilController* controller = UIL_ListEntry<UilController>(c);
         for (MPI_ListNode* p = controller->paths.next; p != &controller->paths; p = p->next) {
-            UilPathInfo* path = MPI_LIST_ENTRY(p, UilPathInfo, links);
+            UilPathInfo* path = UIL_ListEntry<UilPathInfo>(p);
             ++d->pathCount;
             anyNormal = anyNormal || std::strcmp(path->pathState, UIL_PATH_STATE_NORMAL) == 0;
             anyDegraded = anyDegraded || UIL_IsDegradedPathState(path->pathState);
@@ -109,15 +82,15 @@ void UIL_TransDiskInfo(const UiaPayload& p, DiskInfo* d)
     d->word24 = p.u32(disk::kWord24);
     d->lunCountWord = p.u32(disk::kLunCount);
     d->capacity = p.u64(disk::kCapacity);
-    p.text(disk::kName, disk::kNameLen, d->name, sizeof(d->name));
-    p.text(disk::kVendor, disk::kVendorLen, d->vendor, sizeof(d->vendor));
-    p.text(disk::kProduct, disk::kProductLen, d->product, sizeof(d->product));
-    p.text(disk::kRevision, disk::kRevisionLen, d->revision, sizeof(d->revision));
-    p.text(disk::kWwn, disk::kWwnLen, d->lunWwn, sizeof(d->lunWwn));
-    UIL_TransNameToGb2312(p.data() + disk::kArrayName, disk::kArrayNameLen, d->arrayName, sizeof(d->arrayName));
-    p.text(disk::kArraySn, disk::kArraySnLen, d->arraySn, sizeof(d->arraySn));
-    p.text(disk::kDriver, disk::kDriverLen, d->driver, sizeof(d->driver));
-    p.text(disk::kDevice, disk::kDeviceLen, d->deviceName, sizeof(d->deviceName));
+    p.text(disk::kName, d->name);
+    p.text(disk::kVendor, d->vendor);
+    p.text(disk::kProduct, d->product);
+    p.text(disk::kRevision, d->revision);
+    p.text(disk::kWwn, d->lunWwn);
+    UIL_TransNameToGb2312(p.bytes(disk::kArrayName), disk::kArrayName.len, d->arrayName, sizeof(d->arrayName));
+    p.text(disk::kArraySn, d->arraySn);
+    p.text(disk::kDriver, d->driver);
+    p.text(disk::kDevice, d->deviceName);
     d->capability = p.u32(disk::kCapability);
     d->byte504 = p.u8(disk::kByte504);
     d->value512 = p.u64(disk::kValue512);
@@ -156,13 +129,17 @@ uint32_t buildDiskController(const DiskInfo& d, const UilTpgInfo& tpg, const Uil
                              UilController** out)
 {
     *out = nullptr;
-    auto controller = zalloc<UilController>();
-    if (!controller) {
+    auto* controller = static_cast<UilController*>(UIL_ZMalloc(sizeof(UilController)));
+    if (controller == nullptr) {
         UIL_ERR("malloc for tpg info fail");
         return MPI_RET_NO_MEMORY;
     }
     MPI_ListInit(&controller->links);
     MPI_ListInit(&controller->paths);
+    MPI_ScopeExit dropController([controller] {
+        UIL_PathListFree(&controller->paths);
+        std::free(controller);
+    });
     controller->state = tpg.state;
     controller->tpgId = tpg.tpgId;
     controller->remote = tpg.remote;
@@ -170,22 +147,24 @@ uint32_t buildDiskController(const DiskInfo& d, const UilTpgInfo& tpg, const Uil
         if (!diskPaths.contains(pathId)) {
             continue;
         }
-        auto path = zalloc<UilPathInfo>();
-        if (!path) {
+        auto* path = static_cast<UilPathInfo*>(UIL_ZMalloc(sizeof(UilPathInfo)));
+        if (path == nullptr) {
             UIL_ERR("malloc for path info fail");
-            UIL_PathListFree(&controller->paths);
             return MPI_RET_NO_MEMORY;
         }
-        if (UIL_GetPathInfo(d.diskId, pathId, path.get()) != MPI_RET_SUCCESS) {
+        MPI_ListInit(&path->links);
+        if (UIL_GetPathInfo(d.diskId, pathId, path) != MPI_RET_SUCCESS) {
             UIL_ERR("Get path info fail, disk id {%u}, path id {%u}", d.diskId, pathId);
+            std::free(path);
             continue;
         }
         path->arrayId = d.arrayId;
         path->controllerId = tpg.tpgId;
-        MPI_ListAddTail(&path.release()->links, &controller->paths);
+        MPI_ListAddTail(&path->links, &controller->paths);
     }
     if (!MPI_ListEmpty(&controller->paths)) {
-        *out = controller.release();
+        dropController.dismiss();
+        *out = controller;
     }
     return MPI_RET_SUCCESS;
 }
@@ -198,37 +177,35 @@ uint32_t buildDiskControllers(DiskInfo* d)
         UIL_ERR("Enumerate path ids of disk {%u} fail. ret {%u}", d->diskId, ret);
         return ret;
     }
+    MPI_Ended<UIL_EnumeratePathIdsEnd> pathsOwner(diskPaths);
     UilIdList* tpgIds = nullptr;
     ret = UIL_EnumerateTpgIdsStart(d->arrayId, &tpgIds);
     if (ret != MPI_RET_SUCCESS) {
         UIL_ERR("Enumerate Tpg's Ids fail");
-        UIL_EnumeratePathIdsEnd(diskPaths);
         return ret;
     }
+    MPI_Ended<UIL_EnumerateTpgIdsEnd> tpgIdsOwner(tpgIds);
     for (uint32_t tpgId : tpgIds->view()) {
         UilTpgInfo* tpg = nullptr;
         ret = UIL_EnumerateTpgStart(d->arrayId, tpgId, &tpg);
         if (ret == MPI_RET_NO_MEMORY) {
-            break;
+            return ret;
         }
         if (ret != MPI_RET_SUCCESS) {
             UIL_ERR("Get Tpg info fail, tpg id {%u}", tpgId);
-            ret = MPI_RET_SUCCESS;
             continue;
         }
+        MPI_Ended<UIL_EnumerateTpgEnd> tpgOwner(tpg);
         UilController* controller = nullptr;
         ret = buildDiskController(*d, *tpg, *diskPaths, &controller);
-        UIL_EnumerateTpgEnd(tpg);
         if (ret != MPI_RET_SUCCESS) {
-            break;
+            return ret;
         }
         if (controller != nullptr) {
             MPI_ListAddTail(&controller->links, &d->controllers);
         }
     }
-    UIL_EnumerateTpgIdsEnd(tpgIds);
-    UIL_EnumeratePathIdsEnd(diskPaths);
-    return ret;
+    return MPI_RET_SUCCESS;
 }
 
 }  // namespace
@@ -269,13 +246,13 @@ void UIL_TransVLunInfo(const UiaPayload& p, VLunInfo* v)
 {
     UIL_ASSERT(v != nullptr);
     v->vlunId = p.u32(vlunw::kId);
-    p.text(vlunw::kWwn, vlunw::kWwnLen, v->lunWwn, sizeof(v->lunWwn));
-    p.text(vlunw::kArraySn, vlunw::kArraySnLen, v->arraySn, sizeof(v->arraySn));
+    p.text(vlunw::kWwn, v->lunWwn);
+    p.text(vlunw::kArraySn, v->arraySn);
     v->type = p.u8(vlunw::kType);
     v->peFlag = p.u8(vlunw::kPe);
     v->memberCount = UIL_ClampCount(p.u32(vlunw::kMembers), UIL_VLUN_SLOTS, "members of a vlun");
     for (uint32_t i = 0; i < UIL_VLUN_SLOTS; ++i) {
-        v->memberDiskId[i] = p.u32(vlunw::kMemberDisks + 4 * i);
+        v->memberDiskId[i] = p.u32At(vlunw::kMemberDisks, i);
     }
     v->suspendTimeoutMs = p.u32(vlunw::kSuspendTimeout);
     v->suspendRemainMs = p.u32(vlunw::kSuspendRemain);
@@ -362,13 +339,61 @@ uint32_t fillMembers(VLunInfo* v, const DiskInfo* known, UiaPayload& diskPayload
 
 void freeVLunList(MPI_ListNode* head)
 {
+    void* block = nullptr;
     while (!MPI_ListEmpty(head)) {
         MPI_ListNode* node = head->next;
         MPI_ListDelete(node);
         MPI_ListInit(node);
-        std::free(MPI_LIST_ENTRY(node, VLunInfo, links));
+        VLunInfo* v = UIL_ListEntry<VLunInfo>(node);
+        if (v->storage == nullptr) {
+            std::free(v);
+        } else {
+            block = v->storage;  // the records of one list share one block
+        }
     }
+    std::free(block);
 }
+
+// The records of one VLUN list, allocated at once: an array of n disks
+// lists at most n VLUNs.
+class VLunBlock {
+public:
+    explicit VLunBlock(uint32_t capacity)
+        : m_records(static_cast<VLunInfo*>(UIL_ZMalloc(sizeof(VLunInfo) * std::max<size_t>(capacity, 1)))),
+          m_capacity(capacity)
+    {
+    }
+    bool ok() const { return m_records != nullptr; }
+    // The next free record, cleared; nullptr when all are used.
+    VLunInfo* next()
+    {
+        if (m_used == m_capacity) {
+            return nullptr;
+        }
+        VLunInfo* v = &m_records[m_used];
+        std::memset(static_cast<void*>(v), 0, sizeof(*v));
+        MPI_ListInit(&v->links);
+        v->storage = m_records;
+        return v;
+    }
+    void keep() { ++m_used; }
+    // Hands the block over to the list once a record was kept, else frees it.
+    void settle()
+    {
+        if (m_used == 0) {
+            std::free(m_records);
+        }
+        m_records = nullptr;
+    }
+    ~VLunBlock() { settle(); }
+    VLunBlock(const VLunBlock&) = delete;
+    VLunBlock& operator=(const VLunBlock&) = delete;
+
+private:
+    VLunInfo* m_records;
+    uint32_t m_capacity;
+    uint32_t m_used = 0;
+};
 
 }  // namespace
 
@@ -376,11 +401,8 @@ uint32_t UIL_GetVLunPrimaryInfo(VLunInfo* v)
 {
     UIL_ASSERT(v != nullptr);
     UiaPayload payload(uia_req::GetDiskInfo.size);
-    auto scratch = zalloc<DiskInfo>();
-    if (!scratch) {
-        return MPI_RET_NO_MEMORY;
-    }
-    return fillMembers(v, nullptr, payload, scratch.get());
+    DiskInfo scratch;
+    return fillMembers(v, nullptr, payload, &scratch);
 }
 
 void UIL_SortVLunListByVLunID(MPI_ListNode* head)
@@ -388,7 +410,11 @@ void UIL_SortVLunListByVLunID(MPI_ListNode* head)
     UIL_ASSERT(head != nullptr);
     std::vector<VLunInfo*> all;
     for (MPI_ListNode* node = head->next; node != head; node = node->next) {
-        all.push_back(MPI_LIST_ENTRY(node, VLunInfo, links));
+        all.push_back(UIL_ListEntry<VLunInfo>(node));
+    }
+    if (std::is_sorted(all.begin(), all.end(),
+                       [](const VLunInfo* a, const VLunInfo* b) { return a->vlunId < b->vlunId; })) {
+        return;
     }
     std::stable_sort(all.begin(), all.end(),
                      [](const VLunInfo* a, const VLunInfo* b) { return a->vlunId < b->vlunId; });
@@ -398,7 +424,22 @@ void UIL_SortVLunListByVLunID(MPI_ListNode* head)
     }
 }
 
-uint32_t INTF_UIL_EnumerateVLunStart(uint32_t arrayId, MPI_ListNode* head)
+const VLunInfo* UilVLunCache::find(uint32_t vlunId) const
+{
+    auto it = m_vluns.find(vlunId);
+    return it == m_vluns.end() ? nullptr : &it->second;
+}
+
+void UilVLunCache::keep(const VLunInfo& v)
+{
+    VLunInfo copy;
+    std::memcpy(static_cast<void*>(&copy), &v, sizeof(copy));
+    MPI_ListInit(&copy.links);
+    copy.storage = nullptr;
+    m_vluns.insert_or_assign(v.vlunId, copy);
+}
+
+uint32_t INTF_UIL_EnumerateVLunCachedStart(uint32_t arrayId, MPI_ListNode* head, UilVLunCache* cache)
 {
     UIL_ASSERT(head != nullptr);
     MPI_ListInit(head);
@@ -407,49 +448,55 @@ uint32_t INTF_UIL_EnumerateVLunStart(uint32_t arrayId, MPI_ListNode* head)
     if (ret != MPI_RET_SUCCESS) {
         return ret;
     }
-    auto current = zalloc<DiskInfo>();
-    auto scratch = zalloc<DiskInfo>();
-    if (!current || !scratch) {
-        INTF_UIL_EnumerateDiskIdsEnd(diskIds);
+    MPI_Ended<INTF_UIL_EnumerateDiskIdsEnd> disksOwner(diskIds);
+    VLunBlock block(diskIds->count);
+    if (!block.ok()) {
         return MPI_RET_NO_MEMORY;
     }
     UiaPayload diskPayload(uia_req::GetDiskInfo.size);
     UiaPayload vlunPayload(uia_req::GetVLunInfo.size);
+    DiskInfo current;
+    DiskInfo scratch;
     // A VLUN is listed once even if several of its disks lie in this array.
     std::unordered_set<uint32_t> listed;
-    ret = MPI_RET_SUCCESS;
     for (uint32_t diskId : diskIds->view()) {
-        if (readDisk(diskId, diskPayload, current.get()) != MPI_RET_SUCCESS) {
+        if (readDisk(diskId, diskPayload, &current) != MPI_RET_SUCCESS) {
             UIL_ERR("Get vlun primary info fail, disk id {%d}", static_cast<int>(diskId));
             continue;
         }
-        if (listed.count(current->vlunId) != 0) {
+        if (listed.count(current.vlunId) != 0) {
             continue;
         }
-        auto v = zalloc<VLunInfo>();
-        if (!v) {
-            ret = MPI_RET_NO_MEMORY;
-            break;
-        }
-        MPI_ListInit(&v->links);
-        if (readVLun(current->vlunId, vlunPayload, v.get()) != MPI_RET_SUCCESS ||
-            fillMembers(v.get(), current.get(), diskPayload, scratch.get()) != MPI_RET_SUCCESS) {
+        VLunInfo* v = block.next();
+        UIL_ASSERT(v != nullptr);  // never more VLUNs than disks
+        const VLunInfo* known = cache != nullptr ? cache->find(current.vlunId) : nullptr;
+        if (known != nullptr) {
+            void* storage = v->storage;
+            std::memcpy(static_cast<void*>(v), known, sizeof(*v));
+            MPI_ListInit(&v->links);
+            v->storage = storage;
+        } else if (readVLun(current.vlunId, vlunPayload, v) != MPI_RET_SUCCESS ||
+                   fillMembers(v, &current, diskPayload, &scratch) != MPI_RET_SUCCESS) {
             UIL_ERR("Get vlun primary info fail, disk id {%d}", static_cast<int>(diskId));
             continue;
+        } else if (cache != nullptr && v->memberCount > 1) {
+            cache->keep(*v);  // the other member's array lists it again
         }
         listed.insert(v->vlunId);
-        MPI_ListAddTail(&v.release()->links, head);
+        block.keep();
+        MPI_ListAddTail(&v->links, head);
     }
-    INTF_UIL_EnumerateDiskIdsEnd(diskIds);
-    if (ret != MPI_RET_SUCCESS) {
-        freeVLunList(head);
-        return ret;
-    }
+    block.settle();
     if (MPI_ListEmpty(head)) {
         return MPI_RET_NOT_FOUND;
     }
     UIL_SortVLunListByVLunID(head);
     return MPI_RET_SUCCESS;
+}
+
+uint32_t INTF_UIL_EnumerateVLunStart(uint32_t arrayId, MPI_ListNode* head)
+{
+    return INTF_UIL_EnumerateVLunCachedStart(arrayId, head, nullptr);
 }
 
 void INTF_UIL_EnumerateVLunEnd(MPI_ListNode* head)

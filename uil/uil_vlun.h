@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <unordered_map>
 
 #include "mpi/mpi_usr.h"
 #include "uil/uil_array.h"
@@ -18,48 +19,48 @@ inline constexpr const char UIL_DISK_DEGRADED[] = "Degraded";
 inline constexpr const char UIL_DISK_FAULT[] = "Fault";
 inline constexpr const char UIL_DISK_UNAVAILABLE[] = "Unavailable";
 
-// One disk (request 0x17). The basic form fills every field but
+// One disk. The basic form fills every field but
 // `controllers`; the detailed form also builds the disk's paths, grouped by
 // the controller they go through, and computes status and path count from
 // them. The record holds a list head, so it is never copied.
 struct DiskInfo {
     MPI_ListNode links;
-    uint32_t diskId;             // wire 0
-    uint32_t vlunId;             // wire 4
-    uint32_t owningController;   // wire 8
-    uint32_t workingController;  // wire 12
-    uint32_t arrayId;            // wire 16
-    uint32_t hostLun;            // wire 20: copied to the VLUN as its host LUN word
-    uint32_t word24;             // wire 24
-    uint32_t lunCountWord;       // wire 36
-    uint64_t capacity;           // wire 40, bytes
-    char name[UIL_LUN_NAME_SIZE];        // wire 48 (64)
-    char vendor[UIL_VENDOR_SIZE];        // wire 120 (8)
-    char product[UIL_PRODUCT_SIZE];      // wire 136 (16)
-    char revision[UIL_REVISION_SIZE];    // wire 160 (4)
-    char lunWwn[UIL_LUN_WWN_SIZE];       // wire 168 (32)
-    char arrayName[UIL_ARRAY_NAME_SIZE]; // wire 208 (80), GB2312
-    char arraySn[UIL_ARRAY_SN_SIZE];     // wire 296 (20)
-    char driver[UIL_VENDOR_DRIVER_SIZE]; // wire 324
-    char deviceName[UIL_DEVICE_NAME_SIZE];  // wire 460: host block device ("Disk")
-    uint32_t capability;         // wire 500: bit 24 A/B naming, bit 6 controllers hidden
-    uint8_t byte504;             // wire 504
-    uint64_t value512;           // wire 512
-    uint32_t value520;           // wire 520
-    uint32_t value524;           // wire 524
-    uint8_t byte528;             // wire 528
-    uint8_t unavailable;         // wire 529: 1 = "Unavailable" whatever else
-    uint32_t devLunId;           // wire 532: LUN number on the array
-    uint8_t devLunIdValid;       // wire 536: 0 = print "--"
-    uint8_t normalFlag;          // wire 537
-    uint8_t degradedFlag;        // wire 538
+    uint32_t diskId;
+    uint32_t vlunId;
+    uint32_t owningController;
+    uint32_t workingController;
+    uint32_t arrayId;
+    uint32_t hostLun;            // copied to the VLUN as its host LUN word
+    uint32_t word24;
+    uint32_t lunCountWord;
+    uint64_t capacity;           // bytes
+    char name[UIL_LUN_NAME_SIZE];
+    char vendor[UIL_VENDOR_SIZE];
+    char product[UIL_PRODUCT_SIZE];
+    char revision[UIL_REVISION_SIZE];
+    char lunWwn[UIL_LUN_WWN_SIZE];
+    char arrayName[UIL_ARRAY_NAME_SIZE];  // GB2312
+    char arraySn[UIL_ARRAY_SN_SIZE];
+    char driver[UIL_VENDOR_DRIVER_SIZE];
+    char deviceName[UIL_DEVICE_NAME_SIZE];  // host block device ("Disk")
+    uint32_t capability;         // bit 24 A/B naming, bit 6 controllers hidden
+    uint8_t byte504;
+    uint64_t value512;
+    uint32_t value520;
+    uint32_t value524;
+    uint8_t byte528;
+    uint8_t unavailable;         // 1 = "Unavailable" whatever else
+    uint32_t devLunId;           // LUN number on the array
+    uint8_t devLunIdValid;       // 0 = print "--"
+    uint8_t normalFlag;
+    uint8_t degradedFlag;
     const char* status;          // UIL_DISK_* (basic or detailed rule)
-    uint32_t pathCount;          // wire 540 (basic); paths counted (detailed)
+    uint32_t pathCount;          // as the driver counts them (basic); paths counted (detailed)
     MPI_ListNode controllers;    // detailed form: UilController records whose
                                  // `paths` hold this disk's logical paths
 };
 
-// Status of the basic form from the wire bytes 537, 538 and 529.
+// Status of the basic form from the disk's normal, degraded and unavailable flags.
 const char* UIL_DiskBasicStatus(uint8_t normalFlag, uint8_t degradedFlag, uint8_t unavailable);
 // Status of the detailed form: counts every path of every controller into
 // disk->pathCount, then "Normal" / "Degraded" / "Fault"; an unavailable disk
@@ -100,7 +101,7 @@ struct VLunInfo {
     uint8_t peFlag;              // 1 = the disk is a PE LUN
     uint32_t memberCount;        // 1, or 2 for a dual-site VLUN
     uint32_t memberDiskId[UIL_VLUN_SLOTS];
-    char arraySn[UIL_ARRAY_SN_SIZE];   // wire 37
+    char arraySn[UIL_ARRAY_SN_SIZE];
     uint32_t suspendTimeoutMs;   // manual I/O suspension: timeout (0 = off)
     uint32_t suspendRemainMs;    // ... and the time that remains
     // Per member, from its disk record.
@@ -119,6 +120,9 @@ struct VLunInfo {
     char arrayName[UIL_VLUN_SLOTS][UIL_ARRAY_NAME_SIZE];
     uint32_t devLunId[UIL_VLUN_SLOTS];
     uint8_t devLunIdValid[UIL_VLUN_SLOTS];
+    // The block the records of one list share (released by the list's End);
+    // nullptr for a record allocated on its own.
+    void* storage;
 };
 
 // The slot whose member lies in `arrayId` (0 when none does).
@@ -130,9 +134,23 @@ void UIL_TransVLunPrimaryInfo(const DiskInfo& disk, uint32_t slot, VLunInfo* vlu
 // fields (slot 1 only when memberCount is 2).
 uint32_t UIL_GetVLunPrimaryInfo(VLunInfo* vlun);
 
+// Dual-site VLUNs read during one command: a VLUN with members in two
+// arrays is read with the first array that lists it and taken from here by
+// the second. Owned by the command that lists several arrays.
+class UilVLunCache {
+public:
+    const VLunInfo* find(uint32_t vlunId) const;
+    void keep(const VLunInfo& vlun);
+
+private:
+    std::unordered_map<uint32_t, VLunInfo> m_vluns;
+};
+
 // Every VLUN with a disk in `arrayId`, sorted by VLUN ID, member slots
 // filled. 1024; 2 when empty; the disk-ID request's code; 1037 (nothing
-// left in the list). A VLUN that cannot be read is skipped (traced).
+// left in the list). A VLUN that cannot be read is skipped (traced). With
+// a cache, a dual-site VLUN already read for another array is not read again.
+uint32_t INTF_UIL_EnumerateVLunCachedStart(uint32_t arrayId, MPI_ListNode* head, UilVLunCache* cache);
 uint32_t INTF_UIL_EnumerateVLunStart(uint32_t arrayId, MPI_ListNode* head);
 void INTF_UIL_EnumerateVLunEnd(MPI_ListNode* head);
 // Sorts a VLUN list by VLUN ID (stable).

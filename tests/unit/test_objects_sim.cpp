@@ -19,6 +19,7 @@
 #include "uil/uil.h"
 #include "uil/uil_objects_int.h"
 #include "uil/uil_status.h"
+#include "mpi/mpi_scope.h"
 
 namespace {
 
@@ -75,7 +76,7 @@ std::vector<T*> entries(MPI_ListNode* head)
 {
     std::vector<T*> out;
     for (MPI_ListNode* n = head->next; n != head; n = n->next) {
-        out.push_back(reinterpret_cast<T*>(n));  // every record opens with its links
+        out.push_back(UIL_ListEntry<T>(n));
     }
     return out;
 }
@@ -295,6 +296,52 @@ TEST_F(ObjectsSim, VLunListsReadEachRecordOnce)
     INTF_UIL_GetVLunInfoEnd(&one);
 }
 
+// Listing every array with one cache reads a dual-site VLUN once: the
+// second array takes it from the cache, and its rows are those an uncached
+// listing gives (links and storage aside).
+TEST_F(ObjectsSim, DualSiteVLunsAreReadOncePerCommand)
+{
+    auto body = [](const VLunInfo& v) {
+        const auto* bytes = reinterpret_cast<const uint8_t*>(&v);
+        return std::vector<uint8_t>(bytes + offsetof(VLunInfo, vlunId), bytes + offsetof(VLunInfo, storage));
+    };
+    std::map<uint32_t, std::vector<std::vector<uint8_t>>> plain;
+    size_t plainInfos = 0;
+    std::set<uint32_t> distinct;
+    size_t dualSite = 0;
+    clearRequests();
+    for (uint32_t arrayId : arrayIds()) {
+        VLunList vluns(arrayId);
+        for (VLunInfo* v : entries<VLunInfo>(&vluns.head)) {
+            plain[arrayId].push_back(body(*v));
+            distinct.insert(v->vlunId);
+            dualSite += v->memberCount == 2;
+        }
+    }
+    plainInfos = requestCounts()[95];
+    ASSERT_GT(dualSite, 0u) << "the default topology has dual-site VLUNs in two arrays";
+
+    UilVLunCache cache;
+    clearRequests();
+    for (uint32_t arrayId : arrayIds()) {
+        MPI_ListNode head;
+        uint32_t ret = INTF_UIL_EnumerateVLunCachedStart(arrayId, &head, &cache);
+        MPI_Ended<INTF_UIL_EnumerateVLunEnd> owner(&head);
+        if (plain.count(arrayId) == 0) {
+            EXPECT_NE(ret, MPI_RET_SUCCESS);
+            continue;
+        }
+        ASSERT_EQ(ret, MPI_RET_SUCCESS);
+        std::vector<std::vector<uint8_t>> cached;
+        for (VLunInfo* v : entries<VLunInfo>(&head)) {
+            cached.push_back(body(*v));
+        }
+        EXPECT_EQ(cached, plain[arrayId]) << "array " << arrayId;
+    }
+    EXPECT_EQ(requestCounts()[95], distinct.size()) << "each VLUN's record asked once";
+    EXPECT_LT(requestCounts()[95], plainInfos);
+}
+
 // A disk's detail reads the disk, its path list and each of its paths once
 // (the status words themselves are in the show vlun transcript).
 TEST_F(ObjectsSim, DiskDetailReadsEachPathOnce)
@@ -452,25 +499,86 @@ TEST_F(ObjectsSim, RefusedRequestsGiveTheStatedCodes)
     EXPECT_EQ(ok.ret, MPI_RET_SUCCESS);
 }
 
+std::vector<uint32_t> idsOf(uint32_t (*start)(uint32_t, UilIdList**), uint32_t id)
+{
+    UilIdList* list = nullptr;
+    EXPECT_EQ(start(id, &list), MPI_RET_SUCCESS);
+    std::vector<uint32_t> out;
+    if (list != nullptr) {
+        out.assign(list->view().begin(), list->view().end());
+    }
+    UIL_IdListFree(list);
+    return out;
+}
+
+// What each ID-list request carries, written out from the driver's tables:
+// its declared size, the object asked about and the capacity word.
+struct SentCase {
+    uint32_t nr, declared;
+    size_t objectAt;  // SIZE_MAX: no object
+    size_t capacityAt;  // SIZE_MAX: no capacity word
+    uint32_t capacity;
+    std::function<void(uint32_t)> send;
+};
+
+TEST_F(ObjectsSim, IdListRequestsCarryTheirInputsWhereTheDriverReadsThem)
+{
+    constexpr size_t kNo = SIZE_MAX;
+    auto list = [](uint32_t (*start)(uint32_t, UilIdList**)) {
+        return [start](uint32_t id) { (void)idsOf(start, id); };
+    };
+    const SentCase cases[] = {
+        {11, 16, kNo, 0, 128, [](uint32_t) { (void)arrayIds(); }},
+        {21, 24, 0, 8, 16384, list(INTF_UIL_EnumerateArrayDiskIdsStart)},
+        {25, 20, 0, 4, 16384, list(INTF_UIL_EnumerateArrayVlunIdsStart)},
+        {60, 16, 0, 4, 16, list(UIL_EnumerateTpgIdsStart)},
+        {41, 20, 0, 4, 16384, list(UIL_EnumeratePhyPathIdsStart)},
+        {22, 24, 0, 8, 16384, list(UIL_EnumeratePhyPathDiskIdsStart)},
+        {31, 16, 0, 4, 128, list(UIL_EnumeratePathIdsStart)},
+        {44, 848, 0, kNo, 0, list(INTF_UIL_GetPhyPathIdsByHbaId)},
+    };
+    const uint32_t object = 3;
+    for (const SentCase& c : cases) {
+        SCOPED_TRACE(testing::Message() << "nr " << c.nr);
+        clearRequests();
+        c.send(object);
+        std::vector<Request> log = requests();
+        ASSERT_EQ(log.size(), 1u);
+        EXPECT_EQ(log[0].nr, c.nr);
+        EXPECT_EQ(log[0].size, c.declared);
+        ASSERT_EQ(log[0].in.size(), c.declared);
+        if (c.objectAt != kNo) {
+            EXPECT_EQ(le32(log[0].in, c.objectAt), object);
+        }
+        if (c.capacityAt != kNo) {
+            EXPECT_EQ(le32(log[0].in, c.capacityAt), c.capacity);
+        }
+        size_t nonZero = 0;
+        for (size_t i = 0; i < log[0].in.size(); ++i) {
+            bool input = (c.objectAt != kNo && i / 4 == c.objectAt / 4) ||
+                         (c.capacityAt != kNo && i / 4 == c.capacityAt / 4);
+            nonZero += !input && log[0].in[i] != 0;
+        }
+        EXPECT_EQ(nonZero, 0u) << "everything but the inputs is sent cleared";
+    }
+}
+
+// A count above the capacity is clamped; the slots the driver did not fill
+// (zero) and any ID it repeats are listed once. So whatever the count, a
+// list holds the IDs of the honest answer, plus 0 once when the answer
+// claimed more than it wrote; and its reported count is the one answered.
 struct ClampCase {
     uint32_t nr;
     uint32_t capacity;
-    std::function<uint32_t()> countListed;
+    std::function<std::vector<uint32_t>()> listed;
 };
 
-TEST_F(ObjectsSim, CountsAboveTheCapacityAreClamped)
+TEST_F(ObjectsSim, CountsAboveTheCapacityAreClampedAndRepeatsListedOnce)
 {
     uint32_t arrayId = arrayIds().front();
     std::vector<UilPathInfo> paths = allPhysicalPaths();
     ASSERT_FALSE(paths.empty());
     uint32_t pathId = paths.front().pathId;
-    auto idsOf = [](uint32_t (*start)(uint32_t, UilIdList**), uint32_t id) {
-        UilIdList* list = nullptr;
-        EXPECT_EQ(start(id, &list), MPI_RET_SUCCESS);
-        uint32_t n = list != nullptr ? list->count : 0;
-        UIL_IdListFree(list);
-        return n;
-    };
     auto arrayIdsStart = [](uint32_t, UilIdList** out) { return INTF_UIL_EnumerateArrayIdsStart(out); };
     const ClampCase cases[] = {
         {11, 128, [&] { return idsOf(arrayIdsStart, 0); }},
@@ -484,28 +592,96 @@ TEST_F(ObjectsSim, CountsAboveTheCapacityAreClamped)
         {61, 8, [&] {
              UilTpgInfo* t = nullptr;
              EXPECT_EQ(UIL_EnumerateTpgStart(arrayId, 0, &t), MPI_RET_SUCCESS);
-             uint32_t n = t != nullptr ? t->paths->count : 0;
+             std::vector<uint32_t> out;
+             if (t != nullptr) {
+                 out.assign(t->paths->view().begin(), t->paths->view().end());
+             }
              UIL_EnumerateTpgEnd(t);
-             return n;
+             return out;
          }},
         {66, 64, [&] {
              uint32_t h[UIL_MAX_HBAS];
              uint32_t n = 0;
              EXPECT_EQ(INTF_UIL_GetAllHbaIds(h, UIL_MAX_HBAS, &n), MPI_RET_SUCCESS);
-             return n;
+             return std::vector<uint32_t>(h, h + n);
          }},
     };
     for (const ClampCase& c : cases) {
-        for (uint64_t answered : {uint64_t{c.capacity}, uint64_t{c.capacity} + 1, uint64_t{0xFFFFFFFF}}) {
+        std::vector<uint32_t> honest = c.listed();
+        ASSERT_FALSE(honest.empty()) << "nr " << c.nr;
+        ASSERT_LT(honest.size(), c.capacity) << "nr " << c.nr << ": the topology leaves room to fill";
+        std::set<uint32_t> expected(honest.begin(), honest.end());
+        expected.insert(0);
+        for (uint64_t answered : {uint64_t{honest.size()} + 1, uint64_t{c.capacity}, uint64_t{c.capacity} + 1,
+                                  uint64_t{0xFFFFFFFF}}) {
+            SCOPED_TRACE(testing::Message() << "nr " << c.nr << " count " << answered);
             std::string before = traceText();
             setFaults(std::to_string(c.nr) + " count=" + std::to_string(answered) + " 1\n");
-            uint32_t n = c.countListed();
-            EXPECT_EQ(n, c.capacity) << "nr " << c.nr << " count " << answered;
-            bool traced = traceText().size() > before.size() &&
-                          traceText().substr(before.size()).find("more than the capacity") != std::string::npos;
-            EXPECT_EQ(traced, answered > c.capacity) << "nr " << c.nr << " count " << answered;
+            std::vector<uint32_t> ids = c.listed();
+            EXPECT_EQ(ids, std::vector<uint32_t>(expected.begin(), expected.end()));
+            std::string added = traceText().substr(before.size());
+            EXPECT_EQ(added.find("more than the capacity") != std::string::npos, answered > c.capacity);
+            bool zeroIsReal = honest.front() == 0;
+            bool repeats = answered > honest.size() + (zeroIsReal ? 0 : 1);
+            EXPECT_EQ(added.find("repeated") != std::string::npos, repeats) << added;
         }
     }
+}
+
+// The driver claims 200 arrays and writes five: every array is read and
+// listed once, and the caller still learns the count as answered (the
+// rule of `show path` refuses a count above 128).
+TEST_F(ObjectsSim, ArrayCountAboveTheCapacityListsEachArrayOnce)
+{
+    std::vector<uint32_t> honest = arrayIds();
+    ArrayList plain;
+    ASSERT_EQ(plain.ret, MPI_RET_SUCCESS);
+    std::vector<uint32_t> listedPlain;
+    for (ArrayInfo* a : entries<ArrayInfo>(&plain.head)) {
+        listedPlain.push_back(a->arrayId);
+    }
+
+    setFaults("11 count=200 1\n");
+    clearRequests();
+    ArrayList arrays;
+    ASSERT_EQ(arrays.ret, MPI_RET_SUCCESS);
+    std::vector<uint32_t> listed;
+    for (ArrayInfo* a : entries<ArrayInfo>(&arrays.head)) {
+        listed.push_back(a->arrayId);
+    }
+    EXPECT_EQ(listed, listedPlain);
+    std::set<uint32_t> asked;
+    size_t infoRequests = 0;
+    for (const Request& r : requests()) {
+        if (r.nr == 12) {
+            ++infoRequests;
+            asked.insert(le32(r.in, 0));
+        }
+    }
+    EXPECT_EQ(infoRequests, asked.size()) << "no array is asked for twice";
+
+    for (uint32_t answered : {200u, 128u, 129u, 0u}) {
+        setFaults("11 count=" + std::to_string(answered) + " 1\n");
+        uint32_t ids[UIL_MAX_ARRAYS];
+        uint32_t count = 99;
+        uint32_t reported = 99;
+        ASSERT_EQ(INTF_UIL_EnumerateArrayIdsCounted(ids, UIL_MAX_ARRAYS, &count, &reported), MPI_RET_SUCCESS);
+        EXPECT_EQ(reported, answered);
+        EXPECT_LE(count, honest.size() + 1) << "the honest IDs and the unfilled slots' 0, once";
+        EXPECT_TRUE(std::is_sorted(ids, ids + count));
+        EXPECT_EQ(std::adjacent_find(ids, ids + count), ids + count) << "count " << answered;
+        if (answered == 0) {
+            EXPECT_EQ(count, 0u);
+        }
+    }
+    // A caller with less room gets what fits; the answered count is kept.
+    setFaults("11 count=200 1\n");
+    uint32_t two[2];
+    uint32_t count = 0;
+    uint32_t reported = 0;
+    ASSERT_EQ(INTF_UIL_EnumerateArrayIdsCounted(two, 2, &count, &reported), MPI_RET_SUCCESS);
+    EXPECT_EQ(count, 2u);
+    EXPECT_EQ(reported, 200u);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "uia/uia.h"
+#include "uil/uil_wire_ids.h"
 
 namespace {
 
@@ -27,6 +28,56 @@ TEST(RequestCodes, MatchTheDriverTable)
     for (const CodeCase& c : cases) {
         EXPECT_EQ(c.req.code(), c.code) << "nr " << c.req.nr;
     }
+}
+
+// The ID-list layouts, written out from the driver's tables: where the
+// answer's count and IDs lie, and the buffer each request really sends
+// (declared size + 4 x (capacity - 1): 24 + 4 x 16383 = 65556 for the disk
+// lists, whose IDs start at 20).
+struct IdListCase {
+    const uil_wire::IdListLayout* layout;
+    uint32_t nr, declared;
+    size_t countAt, idsAt;
+    uint32_t capacity;
+    size_t buffer;
+};
+
+TEST(WireLayouts, IdListsAsTheDriverTablesGiveThem)
+{
+    using namespace uil_wire;
+    const IdListCase cases[] = {
+        {&kArrayIds, 11, 16, 8, 12, 128, 524},           {&kArrayVlunIds, 25, 20, 12, 16, 16384, 65552},
+        {&kArrayDiskIds, 21, 24, 16, 20, 16384, 65556},  {&kTpgIds, 60, 16, 8, 12, 16, 76},
+        {&kTpgInfo, 61, 28, 16, 24, 8, 56},              {&kPathIds, 31, 16, 8, 12, 128, 524},
+        {&kPhyPathIds, 41, 20, 12, 16, 16384, 65552},    {&kPhyPathDiskIds, 22, 24, 16, 20, 16384, 65556},
+        {&kHbaIds, 66, 12, 4, 8, 64, 264},               {&kHbaPathIds, 44, 848, 4, 8, 210, 848},
+    };
+    for (const IdListCase& c : cases) {
+        SCOPED_TRACE(c.layout->what);
+        EXPECT_EQ(c.layout->req->nr, c.nr);
+        EXPECT_EQ(c.layout->req->size, c.declared);
+        EXPECT_EQ(c.layout->countOff, c.countAt);
+        EXPECT_EQ(c.layout->idsOff, c.idsAt);
+        EXPECT_EQ(c.layout->capacity, c.capacity);
+        EXPECT_EQ(c.layout->bufferSize(), c.buffer);
+    }
+    EXPECT_EQ(LargestIdBuffer(), 65556u);
+}
+
+// The layout checks themselves: a field past the end, an empty field and
+// two fields sharing a byte are caught.
+TEST(WireLayouts, FitAndOverlapChecks)
+{
+    const UiaField fits[] = {{0, 4}, {4, 80}, {84, 1}};
+    EXPECT_TRUE(UiaFieldsFit(fits, 85));
+    EXPECT_FALSE(UiaFieldsFit(fits, 84));
+    EXPECT_TRUE(UiaFieldsDisjoint(fits));
+    const UiaField overlapping[] = {{0, 4}, {3, 2}};
+    EXPECT_FALSE(UiaFieldsDisjoint(overlapping));
+    const UiaField empty[] = {{8, 0}};
+    EXPECT_FALSE(UiaFieldsFit(empty, 16));
+    const UiaField wraps[] = {{static_cast<size_t>(-2), 4}};
+    EXPECT_FALSE(UiaFieldsFit(wraps, 16));
 }
 
 TEST(Payload, LittleEndianFieldsAtTheirOffsets)
@@ -61,6 +112,31 @@ TEST(Payload, TextsAreAlwaysTerminated)
     EXPECT_EQ(p.u8(8), 'A') << "nothing written past the field";
 }
 
+TEST(Payload, FieldsReadAndWriteTheirOwnBytes)
+{
+    UiaPayload p(24);
+    std::memset(p.data(), 0xEE, p.size());
+    const UiaField word{4, 4};
+    const UiaField words{8, 8};
+    const UiaField name{16, 6};
+    p.setU32(word, 0x01020304);
+    p.setText(name, "abcdefgh");
+    EXPECT_EQ(p.u32(word), 0x01020304u);
+    EXPECT_EQ(p.u8(3), 0xEE) << "nothing before the field";
+    EXPECT_EQ(p.u8(8), 0xEE) << "nothing after it";
+    p.setU64(8, 0x0000000B0000000AULL);
+    EXPECT_EQ(p.u32At(words, 0), 0xAu);
+    EXPECT_EQ(p.u32At(words, 1), 0xBu);
+    char out[8];
+    p.text(name, out);
+    EXPECT_STREQ(out, "abcde");
+    EXPECT_EQ(p.u8(22), 0xEE);
+    p.clearFirst(6);
+    EXPECT_EQ(p.u32(0), 0u);
+    EXPECT_EQ(p.u8(5), 0);
+    EXPECT_EQ(p.u8(6), 0x02) << "cleared no further than asked";
+}
+
 TEST(PayloadDeath, OutOfBoundsAccessIsAProgrammingError)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
@@ -70,6 +146,13 @@ TEST(PayloadDeath, OutOfBoundsAccessIsAProgrammingError)
         {
             alarm(1);
             (void)p.u32(6);
+        },
+        "");
+    // A field read with the wrong width is one too.
+    EXPECT_DEATH(
+        {
+            alarm(1);
+            (void)p.u32(UiaField{0, 2});
         },
         "");
 }
