@@ -74,14 +74,26 @@ static uint32_t arrays(uint32_t *out)
     return n;
 }
 
-static void tpg_name(uint32_t array, uint32_t tpg, char *name)
+/* Controller names of one array, each asked once: "" when it has none. */
+struct names {
+    uint32_t array;
+    char text[MAX_TPGS][17];
+    int known[MAX_TPGS];
+};
+
+static const char *controller_name(struct names *n, uint32_t tpg)
 {
-    uint8_t p[28] = {0};
-    put32(p, 0, array);
-    put32(p, 4, tpg);
-    request(0x3e, 28, p);
-    memcpy(name, p + 8, 17);
-    name[16] = '\0';
+    tpg %= MAX_TPGS;
+    if (!n->known[tpg]) {
+        uint8_t p[28] = {0};
+        put32(p, 0, n->array);
+        put32(p, 4, tpg);
+        request(0x3e, 28, p);
+        memcpy(n->text[tpg], p + 8, 17);
+        n->text[tpg][16] = '\0';
+        n->known[tpg] = 1;
+    }
+    return n->text[tpg];
 }
 
 static int floor_vlun(void)
@@ -92,22 +104,17 @@ static int floor_vlun(void)
         memset(g_ids, 0, 20);
         put32(g_ids, 0, ids[a]);
         uint32_t nd = id_list(0x15, 24, g_ids, MAX_IDS, 8, 16);
-        char names[MAX_TPGS][17];
-        int named[MAX_TPGS] = {0};
+        struct names names = {.array = ids[a]};
         for (uint32_t i = 0; i < nd; ++i) {
             uint8_t d[544] = {0};
             put32(d, 0, u32(g_ids, 20 + 4 * i));
             request(0x17, 544, d);
-            uint32_t owner = u32(d, 8) % MAX_TPGS;
-            if (!named[owner]) {
-                tpg_name(ids[a], owner, names[owner]);
-                named[owner] = 1;
-            }
+            const char *owner = controller_name(&names, u32(d, 8));
             uint8_t v[84] = {0};
             put32(v, 0, u32(d, 4));
             request(0x5f, 84, v);
             printf("%-6" PRIu32 " %-32.64s %-32.32s %14" PRIu64 " %-8s %-10.40s type %u\n", u32(d, 4),
-                   (const char *)d + 48, (const char *)v + 4, u64(d, 40), names[owner][0] ? names[owner] : "-",
+                   (const char *)d + 48, (const char *)v + 4, u64(d, 40), owner[0] ? owner : "-",
                    (const char *)d + 460, v[58]);
         }
     }
@@ -158,19 +165,14 @@ static int floor_path(void)
         memset(g_ids, 0, 16);
         put32(g_ids, 0, ids[a]);
         uint32_t np = id_list(0x29, 20, g_ids, MAX_IDS, 4, 12);
-        char names[MAX_TPGS][17];
-        int named[MAX_TPGS] = {0};
+        struct names names = {.array = ids[a]};
         for (uint32_t i = 0; i < np; ++i) {
             uint8_t p[1080] = {0};
             put32(p, 0, u32(g_ids, 16 + 4 * i));
             request(0x2a, 1080, p);
-            uint32_t tpg = u32(p, 8) % MAX_TPGS;
-            if (!named[tpg]) {
-                tpg_name(ids[a], tpg, names[tpg]);
-                named[tpg] = 1;
-            }
+            const char *tpg = controller_name(&names, u32(p, 8));
             printf("%-6" PRIu32 " %-24.80s %-8s %-24.241s %s %" PRIu32 " LUNs\n", u32(p, 0), (const char *)p + 96,
-                   names[tpg][0] ? names[tpg] : (const char *)p + 904, (const char *)p + 432,
+                   tpg[0] ? tpg : (const char *)p + 904, (const char *)p + 432,
                    u32(p, 12) == 1 ? "up  " : "down", u32(p, 32));
         }
     }
