@@ -1,5 +1,6 @@
 // One request to the simulated driver, from request frame to log line.
 #include "model.h"
+#include "model_objects.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -9,6 +10,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <mutex>
+#include <pthread.h>
 #include <sys/file.h>
 #include <unistd.h>
 #include <vector>
@@ -23,11 +25,51 @@ constexpr size_t kFramePayloadOff = 8;
 
 // The driver's state, loaded at the first request of the process. Never
 // destroyed, so a request from an exit handler still finds it.
-struct LoadedDriver {
+struct LoadedDriver final : SimDocumentSource {
     std::string root;
     bool loaded = false;
     Json driver;
-    SimObjectsPtr objects;  // read from `driver` at first use
+    SimObjectsPtr objects;    // read from `driver` or the snapshot at first use
+    std::string source;       // the file `driver` came from
+    SimSnapshotPtr snapshot;  // set while `driver` lacks its storage object lists
+
+    static Json ParseDocument(const std::string& path, const std::string& text)
+    {
+        Json doc = Json::parse(text, nullptr, false);
+        if (doc.is_discarded()) {
+            throw SimError(path + ": not valid JSON");
+        }
+        if (!doc.is_object()) {
+            throw SimError(path + ": expected a JSON object at the top");
+        }
+        return doc;
+    }
+
+    void completeDocument() override
+    {
+        if (!snapshot) {
+            return;
+        }
+        std::string text;
+        if (!ReadFile(source, text)) {
+            throw SimError(source + ": removed while in use");
+        }
+        driver = ParseDocument(source, text);
+        snapshot.reset();
+    }
+
+    SimObjectsPtr snapshotObjects() override
+    {
+        if (!snapshot) {
+            return nullptr;
+        }
+        try {
+            return SnapshotObjects(*snapshot);
+        } catch (const SimError&) {
+            completeDocument();  // a damaged snapshot: the objects are read from the JSON
+            return nullptr;
+        }
+    }
 };
 
 LoadedDriver& Loaded()
@@ -39,75 +81,131 @@ LoadedDriver& Loaded()
 // Serialises requests of the process; the sandbox lock serialises processes.
 constinit std::mutex g_requestMutex;
 
+// What the requests of a process share: the sandbox's file names, the lock
+// and the request log kept open, the log mode, buffers. A forked child
+// opens its own (a lock is held per open file, so sharing it would not
+// exclude the parent).
+struct ProcessFiles {
+    SimPaths paths;
+    int lockFd = -1;
+    int logFd = -1;
+    RequestLogMode logMode = RequestLogMode::Full;
+    std::string line;             // the log line being written
+    std::vector<uint8_t> before;  // the payload as it came
+
+    void close()
+    {
+        for (int* fd : {&lockFd, &logFd}) {
+            if (*fd >= 0) {
+                ::close(*fd);
+                *fd = -1;
+            }
+        }
+    }
+};
+
+ProcessFiles& Files()
+{
+    static ProcessFiles* s = new ProcessFiles;
+    return *s;
+}
+
+ProcessFiles& FilesFor(const char* root)
+{
+    static const bool kForkHandled = [] {
+        ::pthread_atfork(nullptr, nullptr, [] {
+            Files().close();
+            Files().paths.root.clear();
+        });
+        return true;
+    }();
+    (void)kForkHandled;
+    ProcessFiles& f = Files();
+    if (f.paths.root.empty() || f.paths.root != root) {
+        f.close();
+        f.paths = MakePaths(root);
+        f.logMode = RequestLogModeFromEnv();
+    }
+    return f;
+}
+
 class SandboxLock {
 public:
-    explicit SandboxLock(const SimPaths& paths)
-        : m_fd(::open(paths.lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600))
+    explicit SandboxLock(ProcessFiles& files) : m_fd(files.lockFd)
     {
         if (m_fd < 0) {
-            throw SimError("the sandbox " + paths.root + " is not set up (cannot open " + paths.lock +
-                           ": " + std::strerror(errno) + "); run cvadm-sim --setup");
+            const SimPaths& paths = files.paths;
+            m_fd = files.lockFd = ::open(paths.lock.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+            if (m_fd < 0) {
+                throw SimError("the sandbox " + paths.root + " is not set up (cannot open " + paths.lock +
+                               ": " + std::strerror(errno) + "); run cvadm-sim --setup");
+            }
         }
         while (::flock(m_fd, LOCK_EX) != 0 && errno == EINTR) {
         }
     }
     SandboxLock(const SandboxLock&) = delete;
     SandboxLock& operator=(const SandboxLock&) = delete;
-    ~SandboxLock() { ::close(m_fd); }
+    ~SandboxLock() { ::flock(m_fd, LOCK_UN); }
 
 private:
     int m_fd;
 };
 
-Json ParseDocument(const std::string& path, const std::string& text)
-{
-    Json doc = Json::parse(text, nullptr, false);
-    if (doc.is_discarded()) {
-        throw SimError(path + ": not valid JSON");
-    }
-    if (!doc.is_object()) {
-        throw SimError(path + ": expected a JSON object at the top");
-    }
-    return doc;
-}
-
 // The saved state when there is one, otherwise the topology: the driver
 // starts as the topology describes it and keeps its changes in state.json.
-Json& DriverState(const SimPaths& paths)
+// A large document comes from its snapshot when that is up to date, and
+// gets one when not.
+LoadedDriver& DriverState(const SimPaths& paths)
 {
     LoadedDriver& l = Loaded();
     if (l.loaded && l.root == paths.root) {
-        return l.driver;
+        return l;
     }
-    std::string text;
-    if (ReadFile(paths.state, text)) {
-        l.driver = ParseDocument(paths.state, text);
-    } else if (ReadFile(paths.topology, text)) {
-        l.driver = ParseDocument(paths.topology, text);
-    } else {
-        throw SimError("no topology at " + paths.topology + "; run cvadm-sim --setup");
-    }
+    l.loaded = false;
     l.objects.reset();
+    l.snapshot.reset();
+    SimSnapshotKey key;
+    std::string source = paths.state;
+    if (!SnapshotKeyOf(source, key)) {
+        source = paths.topology;
+        if (!SnapshotKeyOf(source, key)) {
+            throw SimError("no topology at " + paths.topology + "; run cvadm-sim --setup");
+        }
+    }
+    std::string snapPath = source + ".snap";
+    if (SimSnapshotPtr snap = OpenSnapshot(snapPath, key)) {
+        try {
+            l.driver = SnapshotHead(*snap);
+            l.snapshot = std::move(snap);
+        } catch (const SimError&) {
+            // damaged: the JSON is read below
+        }
+    }
+    if (!l.snapshot) {
+        std::string text;
+        if (!ReadFile(source, text)) {
+            throw SimError("no topology at " + paths.topology + "; run cvadm-sim --setup");
+        }
+        l.driver = LoadedDriver::ParseDocument(source, text);
+        if (text.size() >= kSnapshotMinSource) {
+            try {
+                l.objects = SimObjects::Build(l.driver);
+                WriteSnapshot(snapPath, key, l.driver, *l.objects);
+            } catch (const SimError&) {
+                l.objects.reset();  // reported by the first request that reads them
+            }
+        }
+    }
+    l.source = source;
     l.root = paths.root;
     l.loaded = true;
-    return l.driver;
+    return l;
 }
 
 void SaveDriverState(const SimPaths& paths, const Json& driver)
 {
     WriteFileAtomic(paths.state, driver.dump(2) + "\n");
-}
-
-std::string Hex(const uint8_t* p, size_t n)
-{
-    static constexpr char kDigits[] = "0123456789abcdef";
-    std::string s(2 * n, '\0');
-    char* out = s.data();
-    for (size_t i = 0; i < n; ++i) {
-        out[2 * i] = kDigits[p[i] >> 4];
-        out[2 * i + 1] = kDigits[p[i] & 0xF];
-    }
-    return s;
 }
 
 std::string CodeText(unsigned long code)
@@ -181,8 +279,9 @@ Outcome Answer(const SimPaths& paths, const SimCode& c, const SimRequestRow& row
             break;  // applied to the answer below
         }
     }
-    Json& driver = DriverState(paths);
-    SimContext ctx(driver, &Loaded().objects);
+    LoadedDriver& loaded = DriverState(paths);
+    Json& driver = loaded.driver;
+    SimContext ctx(driver, &loaded.objects, &loaded);
     uint32_t result = row.handler(ctx, payload);
     if (faulted && fault.kind == FaultKind::Count) {
         if (row.countOffset == kNoCountField) {
@@ -198,8 +297,9 @@ Outcome Answer(const SimPaths& paths, const SimCode& c, const SimRequestRow& row
     return Outcome{};
 }
 
-Outcome Serve(const SimPaths& paths, unsigned long code, void* frame)
+Outcome Serve(ProcessFiles& files, unsigned long code, void* frame)
 {
+    const SimPaths& paths = files.paths;
     SimCode c = DecodeCode(code);
     const SimRequestRow* row = FindRequest(c.nr);
     std::string problem = CodeProblem(c, row);
@@ -209,8 +309,9 @@ Outcome Serve(const SimPaths& paths, unsigned long code, void* frame)
         logged = 0;
     }
 
-    SandboxLock lock(paths);
-    std::vector<uint8_t> before(base, base + logged);
+    SandboxLock lock(files);
+    std::vector<uint8_t>& before = files.before;
+    before.assign(base, base + logged);
     Outcome out;
     if (!problem.empty()) {
         Complain(paths, "bad request code " + CodeText(code) + ": " + problem);
@@ -229,10 +330,15 @@ Outcome Serve(const SimPaths& paths, unsigned long code, void* frame)
         }
     }
 
-    char head[96];
-    std::snprintf(head, sizeof head, "nr=%u code=%s size=%u result=%u in=", c.nr, CodeText(code).c_str(), c.size,
-                  ReadU32(frame, kFrameResultOff));
-    AppendLine(paths.requestLog, std::string(head) + Hex(before.data(), logged) + " out=" + Hex(base, logged));
+    if (files.logMode != RequestLogMode::Off) {
+        SimLoggedRequest req{c.nr, code, c.size, ReadU32(frame, kFrameResultOff),
+                             {before.data(), logged}, {base, logged}};
+        FormatRequestLine(files.line, req, files.logMode);
+        if (files.logFd < 0) {
+            files.logFd = OpenAppend(paths.requestLog);
+        }
+        WriteLine(files.logFd, files.line, paths.requestLog);
+    }
     return out;
 }
 
@@ -265,16 +371,16 @@ int DeviceIoctl(const char* root, unsigned long code, void* arg) noexcept
 {
     try {
         std::lock_guard<std::mutex> guard(g_requestMutex);
-        SimPaths paths = MakePaths(root);
+        ProcessFiles& files = FilesFor(root);
         Outcome out;
         if (arg == nullptr) {
-            Complain(paths, "request code " + CodeText(code) + " sent without a frame");
+            Complain(files.paths, "request code " + CodeText(code) + " sent without a frame");
             out = Fail(EFAULT);
         } else {
             try {
-                out = Serve(paths, code, arg);
+                out = Serve(files, code, arg);
             } catch (const std::exception& e) {
-                Complain(paths, e.what());
+                Complain(files.paths, e.what());
                 out = Fail(EIO);
             }
         }

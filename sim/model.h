@@ -81,20 +81,36 @@ private:
 class SimObjects;
 using SimObjectsPtr = std::shared_ptr<const SimObjects>;
 
+// A driver document loaded from a snapshot (model_snapshot.cpp) holds
+// everything but the storage object lists, whose objects come ready-made
+// from the snapshot; the source completes the document when a request
+// needs it whole (to change it).
+class SimDocumentSource {
+public:
+    virtual ~SimDocumentSource() = default;
+    // Replaces the partial document by the whole one; nothing when whole.
+    virtual void completeDocument() = 0;
+    // The snapshot's objects, or null when the document is whole (they are
+    // then read from it).
+    virtual SimObjectsPtr snapshotObjects() = 0;
+};
+
 // What a handler sees of the driver: its state document (the topology as
 // first loaded, then whatever the requests changed) and the clock.
 class SimContext {
 public:
     // `objects` keeps the storage objects read from `driver` from one
     // request to the next (the process keeps one slot per document);
-    // without it the context reads them for itself.
-    explicit SimContext(Json& driver, SimObjectsPtr* objects = nullptr)
-        : m_driver(driver), m_objects(objects != nullptr ? objects : &m_ownObjects)
+    // without it the context reads them for itself. `source`, when given,
+    // completes a partial `driver` (see SimDocumentSource).
+    explicit SimContext(Json& driver, SimObjectsPtr* objects = nullptr, SimDocumentSource* source = nullptr)
+        : m_driver(driver), m_objects(objects != nullptr ? objects : &m_ownObjects), m_source(source)
     {
     }
     SimContext(const SimContext&) = delete;
     SimContext& operator=(const SimContext&) = delete;
 
+    // Its storage object lists may be absent: read those through objects().
     const Json& driver() const { return m_driver; }
     // For requests that change the driver: the state is saved after the
     // request. Check the request fully before changing anything: a handler
@@ -103,6 +119,9 @@ public:
     // own SimObjectsPtr stays the snapshot it took.
     Json& changeDriver()
     {
+        if (m_source != nullptr) {
+            m_source->completeDocument();
+        }
         m_changed = true;
         m_objects->reset();
         return m_driver;
@@ -118,6 +137,7 @@ private:
     Json& m_driver;
     SimObjectsPtr m_ownObjects;
     SimObjectsPtr* m_objects;
+    SimDocumentSource* m_source;
     std::optional<std::time_t> m_now;
     bool m_changed = false;
 };
@@ -145,6 +165,39 @@ struct SimCode {
 inline constexpr uint32_t kDirRead = 2;
 inline constexpr uint32_t kTypeLetter = 0x4D;  // 'M'
 SimCode DecodeCode(unsigned long code);
+
+// ---------------------------------------------------------------------------
+// Snapshots (model_snapshot.cpp): the parsed driver document cached beside
+// its JSON file, so that a large topology is not parsed and checked again
+// by every process. A snapshot names the file it was made from by device,
+// inode, size, modification and change times, and the model library by
+// size and modification time: any change to either makes it stale.
+struct SimSnapshotKey {
+    uint64_t words[7] = {};
+    bool operator==(const SimSnapshotKey&) const = default;
+};
+// False when `source` does not exist.
+bool SnapshotKeyOf(const std::string& source, SimSnapshotKey& key);
+// Documents smaller than this are parsed faster than a snapshot is read.
+inline constexpr uint64_t kSnapshotMinSource = 64 * 1024;
+
+class SimSnapshot;
+void CloseSnapshot(SimSnapshot* snap);
+struct SimSnapshotCloser {
+    void operator()(SimSnapshot* s) const { CloseSnapshot(s); }
+};
+using SimSnapshotPtr = std::unique_ptr<SimSnapshot, SimSnapshotCloser>;
+// The snapshot at `path` made from the source `key` names; null when
+// there is none, or it is stale or damaged.
+SimSnapshotPtr OpenSnapshot(const std::string& path, const SimSnapshotKey& key);
+// Writes the snapshot of `doc` (whose storage objects are `objects`);
+// a failure only costs speed and is not reported.
+void WriteSnapshot(const std::string& path, const SimSnapshotKey& key, const Json& doc,
+                   const SimObjects& objects) noexcept;
+// The snapshot's document without its storage object lists.
+Json SnapshotHead(const SimSnapshot& snap);
+// Its objects; throws SimError when they cannot be read back.
+SimObjectsPtr SnapshotObjects(const SimSnapshot& snap);
 
 // ---------------------------------------------------------------------------
 // Reading the topology and state documents with errors that name the place.
@@ -175,10 +228,33 @@ struct SimPaths {
 SimPaths MakePaths(const std::string& root);
 
 bool ReadFile(const std::string& path, std::string& out);  // false when absent
+int OpenAppend(const std::string& path);  // throws SimError
+void WriteLine(int fd, std::string_view line, const std::string& path);  // one write(2); throws SimError
 void WriteFileAtomic(const std::string& path, std::string_view data);
 void AppendLine(const std::string& path, std::string_view line);
 // A problem with the simulation's own setup: stderr and sim.log.
 void Complain(const SimPaths& paths, const std::string& msg);
+
+// ---------------------------------------------------------------------------
+// The request log (sim/requests.log), one line per request:
+//   nr=<nr> code=0x<code> size=<declared> result=<result> in=<hex> out=<hex>
+// CVSIM_REQUEST_LOG picks how much is written: `full` (the default),
+// `brief` (the line without its payload bytes, enough to count requests)
+// or `off` (nothing: for timing the program, not the model).
+enum class RequestLogMode { Full, Brief, Off };
+// Reports an unknown value on stderr once and keeps the default.
+RequestLogMode RequestLogModeFromEnv();
+
+struct SimLoggedRequest {
+    uint32_t nr;
+    unsigned long code;
+    uint32_t size;
+    uint32_t result;
+    std::span<const uint8_t> in;   // the logged bytes before the request
+    std::span<const uint8_t> out;  // and after
+};
+// The request's line, newline included, into `line` (its memory reused).
+void FormatRequestLine(std::string& line, const SimLoggedRequest& req, RequestLogMode mode);
 
 // ---------------------------------------------------------------------------
 // Scripted faults ($CVADM_ROOT/sim/faults).

@@ -3,7 +3,9 @@
 // stdio streams.
 #include "model.h"
 
+#include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -118,17 +120,117 @@ void WriteFileAtomic(const std::string& path, std::string_view data)
     }
 }
 
-// One write(2) per line on an O_APPEND descriptor, so lines of concurrent
-// writers never interleave.
-void AppendLine(const std::string& path, std::string_view line)
+int OpenAppend(const std::string& path)
 {
-    Fd fd(::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644));
-    if (fd.get() < 0) {
+    int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0644);
+    if (fd < 0) {
         throw SimError(ErrnoText("cannot open", path));
     }
+    return fd;
+}
+
+// One write(2) per line on an O_APPEND descriptor, so lines of concurrent
+// writers never interleave.
+void WriteLine(int fd, std::string_view line, const std::string& path) { WriteAll(fd, line, path); }
+
+void AppendLine(const std::string& path, std::string_view line)
+{
+    Fd fd(OpenAppend(path));
     std::string text(line);
     text.push_back('\n');
-    WriteAll(fd.get(), text, path);
+    WriteLine(fd.get(), text, path);
+}
+
+RequestLogMode RequestLogModeFromEnv()
+{
+    const char* v = std::getenv("CVSIM_REQUEST_LOG");
+    std::string_view mode = v != nullptr ? v : "";
+    if (mode.empty() || mode == "full") {
+        return RequestLogMode::Full;
+    }
+    if (mode == "brief") {
+        return RequestLogMode::Brief;
+    }
+    if (mode == "off") {
+        return RequestLogMode::Off;
+    }
+    static constexpr char kMsg[] = "cvsim: CVSIM_REQUEST_LOG is not full, brief or off; full is used\n";
+    ssize_t ignored = ::write(STDERR_FILENO, kMsg, sizeof kMsg - 1);
+    (void)ignored;
+    return RequestLogMode::Full;
+}
+
+namespace {
+
+void PutDecimal(std::string& out, uint64_t v)
+{
+    char buf[20];
+    char* end = buf + sizeof buf;
+    char* p = end;
+    do {
+        *--p = static_cast<char>('0' + v % 10);
+        v /= 10;
+    } while (v != 0);
+    out.append(p, end);
+}
+
+constexpr char kHexDigits[] = "0123456789abcdef";
+
+// The two lowercase hex digits of every byte value.
+constexpr std::array<char, 512> kHexPairs = [] {
+    std::array<char, 512> t{};
+    for (size_t b = 0; b < 256; ++b) {
+        t[2 * b] = kHexDigits[b >> 4];
+        t[2 * b + 1] = kHexDigits[b & 0xF];
+    }
+    return t;
+}();
+
+// Lowercase hex, two digits a byte, written in place.
+void PutHex(std::string& out, std::span<const uint8_t> bytes)
+{
+    size_t at = out.size();
+    out.resize(at + 2 * bytes.size());
+    char* p = out.data() + at;
+    for (uint8_t b : bytes) {
+        std::memcpy(p, &kHexPairs[2 * b], 2);
+        p += 2;
+    }
+}
+
+// "0x" and at least eight hex digits, as printf's "0x%08lx".
+void PutCode(std::string& out, unsigned long code)
+{
+    char buf[2 * sizeof code];
+    int n = 0;
+    for (unsigned long v = code; v != 0 || n < 8; v >>= 4) {
+        buf[n++] = kHexDigits[v & 0xF];
+    }
+    out += "0x";
+    while (n > 0) {
+        out.push_back(buf[--n]);
+    }
+}
+
+}  // namespace
+
+void FormatRequestLine(std::string& line, const SimLoggedRequest& req, RequestLogMode mode)
+{
+    line.assign("nr=");
+    PutDecimal(line, req.nr);
+    line += " code=";
+    PutCode(line, req.code);
+    line += " size=";
+    PutDecimal(line, req.size);
+    line += " result=";
+    PutDecimal(line, req.result);
+    if (mode == RequestLogMode::Full) {
+        line += " in=";
+        PutHex(line, req.in);
+        line += " out=";
+        PutHex(line, req.out);
+    }
+    line.push_back('\n');
 }
 
 void Complain(const SimPaths& paths, const std::string& msg)

@@ -633,13 +633,16 @@ std::string ScsiDeviceName(uint32_t ordinal)
 
 }  // namespace
 
-SimLogicalPath SimObjects::logicalPath(const SimDisk& disk, const SimPath& path) const
+SimLogicalPath SimObjects::logicalPath(const SimDisk& disk, const SimPath& path, bool withDevice) const
 {
     SimLogicalPath lp{};
     lp.enabled = pathEnabled(path);
     lp.driverState = path.linkUp && path.present ? kLogicalWorking : kLogicalFailed;
     lp.ioState = path.ioState;
     lp.faulty = disk.faultyOn(path.id);
+    if (!withDevice) {
+        return lp;
+    }
     auto at = std::find(disk.paths.begin(), disk.paths.end(), path.id);
     lp.scsiDevice = ScsiDeviceName(disk.firstLogicalPath + static_cast<uint32_t>(at - disk.paths.begin()));
     return lp;
@@ -649,6 +652,9 @@ bool SimObjects::pairNaming(const SimArray& array) { return (array.capability & 
 
 SimObjectsPtr SimContext::objects()
 {
+    if (!*m_objects && m_source != nullptr) {
+        *m_objects = m_source->snapshotObjects();
+    }
     if (!*m_objects) {
         *m_objects = SimObjects::Build(m_driver);
     }
@@ -667,6 +673,30 @@ uint32_t AnswerIdList(SimPayload& p, const SimIdList& layout, const std::vector<
         room.setU32(layout.idsOff + 4 * i, ids[i]);
     }
     return kResultSuccess;
+}
+
+}  // namespace cvsim
+
+namespace cvsim {
+
+void SimObjects::reindex()
+{
+    auto fill = [](auto& map, const auto& all) {
+        map.clear();
+        map.reserve(all.size());
+        for (size_t i = 0; i < all.size(); ++i) {
+            map.emplace(all[i].id, i);
+        }
+    };
+    fill(m_arrayIndex, m_arrays);
+    fill(m_hbaIndex, m_hbas);
+    fill(m_pathIndex, m_paths);
+    fill(m_diskIndex, m_disks);
+    fill(m_vlunIndex, m_vluns);
+    m_hbaWwnIndex.clear();
+    for (size_t i = 0; i < m_hbas.size(); ++i) {
+        m_hbaWwnIndex.emplace(m_hbas[i].wwn, i);
+    }
 }
 
 }  // namespace cvsim

@@ -196,7 +196,9 @@ public:
 
     // The path's enabled flag as reported: the operator's switch and its HBA's.
     bool pathEnabled(const SimPath& path) const;
-    SimLogicalPath logicalPath(const SimDisk& disk, const SimPath& path) const;
+    // `withDevice` false leaves out the block device name (only the states
+    // are wanted).
+    SimLogicalPath logicalPath(const SimDisk& disk, const SimPath& path, bool withDevice = true) const;
     // Engine and letter naming when the array's capability bit 24 is set.
     static bool pairNaming(const SimArray& array);
 
@@ -210,6 +212,10 @@ private:
     }
 
     friend class SimObjectsReader;
+    friend class SimObjectsCodec;  // snapshots (model_snapshot.cpp)
+
+    // Rebuilds the ID indexes from the object lists.
+    void reindex();
 
     std::vector<SimArray> m_arrays;
     std::vector<SimHba> m_hbas;

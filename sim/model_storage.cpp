@@ -124,7 +124,7 @@ void PutDisk(SimPayload& p, const SimObjects& objs, const SimDisk& d)
     bool normal = false;
     bool degraded = false;
     for (uint32_t pathId : d.paths) {
-        SimLogicalPath lp = objs.logicalPath(d, *objs.path(pathId));
+        SimLogicalPath lp = objs.logicalPath(d, *objs.path(pathId), false);
         normal = normal || lp.normal();
         degraded = degraded || lp.degraded();
     }

@@ -12,7 +12,9 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <dlfcn.h>
+#include <pthread.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -53,20 +55,42 @@ __attribute__((constructor)) void ResolveRealFunctions()
 // to the C library instead of deadlocking on the request lock.
 constinit thread_local bool t_inModel = false;
 
+// The sandbox's device node, looked up once per sandbox root: a request
+// then costs one fstat to recognise its descriptor. Guarded by the mutex,
+// as threads may send requests at once.
+struct DeviceNode {
+    char root[PATH_MAX] = {};
+    bool found = false;
+    dev_t dev = 0;
+    ino_t ino = 0;
+};
+constinit DeviceNode g_device;
+constinit pthread_mutex_t g_deviceMutex = PTHREAD_MUTEX_INITIALIZER;
+
 // True when fd is the sandbox's device node: same device and inode.
 bool IsSimDevice(int fd, const char* root)
 {
-    char path[PATH_MAX];
-    int n = std::snprintf(path, sizeof path, "%s/dev/cvdrv", root);
-    if (n < 0 || static_cast<size_t>(n) >= sizeof path) {
-        return false;
-    }
-    struct stat dev{};
     struct stat open{};
-    if (::stat(path, &dev) != 0 || ::fstat(fd, &open) != 0) {
+    if (::fstat(fd, &open) != 0 || !S_ISREG(open.st_mode)) {
         return false;
     }
-    return dev.st_dev == open.st_dev && dev.st_ino == open.st_ino;
+    pthread_mutex_lock(&g_deviceMutex);
+    if (std::strcmp(g_device.root, root) != 0) {
+        g_device.found = false;
+        char path[PATH_MAX];
+        int n = std::snprintf(path, sizeof path, "%s/dev/cvdrv", root);
+        struct stat dev{};
+        if (n >= 0 && static_cast<size_t>(n) < sizeof path && std::strlen(root) < sizeof g_device.root &&
+            ::stat(path, &dev) == 0) {
+            g_device.found = true;
+            g_device.dev = dev.st_dev;
+            g_device.ino = dev.st_ino;
+            std::strcpy(g_device.root, root);
+        }
+    }
+    bool same = g_device.found && g_device.dev == open.st_dev && g_device.ino == open.st_ino;
+    pthread_mutex_unlock(&g_deviceMutex);
+    return same;
 }
 
 std::atomic<bool> g_badUidReported{false};

@@ -207,7 +207,7 @@ the failure:
 
 Setting the value already stored still tells the driver and succeeds:
 
-  $ cv set ied_threshold=25 > /dev/null && notified | head -n 1
+  $ cv set ied_threshold=25 > /dev/null && notified | sed -n 1p
   nr=70 result=1024 size=140 type=100 instance='' count=1 item=ied_threshold value=25
 
 Without the serial number file the change is made but no line is written:

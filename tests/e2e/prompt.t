@@ -45,11 +45,11 @@ Runs of blanks make no empty tokens; a line of blanks is an empty command:
 
 A line over 255 characters is refused; one of 255 is taken:
 
-  $ prompt "help $(printf 'x%.0s' $(seq 251))" "quit" | head -n 3
+  $ prompt "help $(printf 'x%.0s' $(seq 251))" "quit" | sed -n 1,3p
   
   Corvane CLI #0 >Error: Invalid input!
   <usage>
-  $ prompt "help $(printf 'x%.0s' $(seq 250))" "quit" | head -n 3
+  $ prompt "help $(printf 'x%.0s' $(seq 250))" "quit" | sed -n 1,3p
   
   Corvane CLI #0 >Error: Input Option is not supported.
   <usage>

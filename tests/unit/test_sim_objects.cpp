@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <iterator>
 #include <fstream>
 #include <functional>
 #include <set>
@@ -407,6 +409,103 @@ TEST(SimObjectsTopology, MistakesNameTheirPlace)
             EXPECT_NE(std::string(e.what()).find(c.message), std::string::npos) << e.what();
         }
     }
+}
+
+// ---------------------------------------------------------------------------
+// Snapshots: the objects read back from one answer every request exactly as
+// those read from the document; a changed source or a damaged file is not
+// taken.
+
+struct Probe {
+    uint32_t nr;
+    std::vector<std::pair<size_t, uint32_t>> in;  // input words
+};
+
+TEST(SimSnapshot, AnswersAsTheDocumentAndOnlyForItsSource)
+{
+    char dir[] = "/tmp/cvsim-snap-XXXXXX";
+    ASSERT_NE(mkdtemp(dir), nullptr);
+    const std::string source = std::string(dir) + "/topology.json";
+    const std::string snap = source + ".snap";
+    std::ofstream(source) << kTopology;
+    cvsim::SimSnapshotKey key;
+    ASSERT_TRUE(cvsim::SnapshotKeyOf(source, key));
+    Json doc = Json::parse(kTopology);
+    cvsim::WriteSnapshot(snap, key, doc, *cvsim::SimObjects::Build(doc));
+
+    cvsim::SimSnapshotPtr opened = cvsim::OpenSnapshot(snap, key);
+    ASSERT_NE(opened, nullptr);
+    Json head = cvsim::SnapshotHead(*opened);
+    EXPECT_FALSE(head.contains("disks"));
+    EXPECT_EQ(head["driver"], doc["driver"]);
+    cvsim::SimObjectsPtr fromSnap = cvsim::SnapshotObjects(*opened);
+
+    std::vector<Probe> probes = {{0x0b, {{0, 8}}}, {0x42, {{0, 8}}}, {0x29, {{0, 0x7FFFFFFF}, {4, 16}}}};
+    for (uint32_t a : {1u, 3u}) {
+        probes.push_back({0x0c, {{0, a}}});
+        probes.push_back({0x15, {{0, a}, {8, 16}}});
+        probes.push_back({0x19, {{0, a}, {4, 16}}});
+        probes.push_back({0x3c, {{0, a}, {4, 16}}});
+        for (uint32_t t : {0u, 1u, 2u}) {
+            probes.push_back({0x3d, {{0, a}, {4, t}, {8, 8}}});
+            probes.push_back({0x3e, {{0, a}, {4, t}}});
+        }
+    }
+    for (uint32_t d = 20; d <= 26; ++d) {
+        probes.push_back({0x17, {{0, d}}});
+        probes.push_back({0x1f, {{0, d}, {4, 8}}});
+        for (uint32_t path = 10; path <= 15; ++path) {
+            probes.push_back({0x20, {{0, d}, {4, path}}});
+        }
+    }
+    for (uint32_t id = 10; id <= 15; ++id) {
+        probes.push_back({0x2a, {{0, id}}});
+        probes.push_back({0x16, {{0, id}, {8, 16}}});
+    }
+    for (uint32_t v = 40; v <= 44; ++v) {
+        probes.push_back({0x5f, {{0, v}}});
+        probes.push_back({0x5d, {{0, v}}});
+    }
+    for (uint32_t h = 5; h <= 7; ++h) {
+        probes.push_back({0x41, {{4, h}}});
+        probes.push_back({0x2c, {{0, h}}});
+    }
+    setenv("CVSIM_NOW", "1003600", 1);
+    cvsim::SimObjectsPtr built;
+    SimContext fromDoc(doc, &built);
+    SimContext fromSnapshot(head, &fromSnap);
+    for (const Probe& probe : probes) {
+        Wire a(DeclaredSize(probe.nr) + 64);
+        for (auto [off, v] : probe.in) {
+            a.put32(off, v);
+        }
+        Wire b = a;
+        EXPECT_EQ(Send(fromDoc, probe.nr, a), Send(fromSnapshot, probe.nr, b)) << "nr " << probe.nr;
+        EXPECT_EQ(a.bytes, b.bytes) << "nr " << probe.nr << " in " << probe.in.front().second;
+    }
+    unsetenv("CVSIM_NOW");
+
+    // Another source (rewritten: new change time), or another model build,
+    // makes it stale.
+    cvsim::SimSnapshotKey other = key;
+    other.words[4] += 1;
+    EXPECT_EQ(cvsim::OpenSnapshot(snap, other), nullptr);
+    other = key;
+    other.words[6] += 1;
+    EXPECT_EQ(cvsim::OpenSnapshot(snap, other), nullptr);
+    std::ofstream(source, std::ios::app) << "\n";
+    cvsim::SimSnapshotKey rewritten;
+    ASSERT_TRUE(cvsim::SnapshotKeyOf(source, rewritten));
+    EXPECT_FALSE(rewritten == key);
+
+    // Cut short anywhere, it is refused as a whole, never half read.
+    std::ifstream in(snap, std::ios::binary);
+    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    for (size_t cut : {size_t{0}, size_t{7}, size_t{70}, bytes.size() / 2, bytes.size() - 1}) {
+        std::ofstream(snap, std::ios::binary | std::ios::trunc) << bytes.substr(0, cut);
+        EXPECT_EQ(cvsim::OpenSnapshot(snap, key), nullptr) << "cut at " << cut;
+    }
+    std::filesystem::remove_all(dir);
 }
 
 // ---------------------------------------------------------------------------

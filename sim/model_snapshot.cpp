@@ -1,0 +1,351 @@
+// Snapshots of the parsed driver document (see model.h). The file:
+//
+//   magic "cvsimsn1", the key (7 u64), u64 length + the document without
+//   its storage object lists (JSON text), u64 length + the storage objects
+//   (the fields of model_objects.h in declaration order: integers
+//   little-endian as stored, texts and lists as a u64 count and their
+//   elements).
+//
+// It is mapped, not read: a request that needs no storage object (the
+// driver version) touches only its first page.
+#include "model_objects.h"
+
+#include <cerrno>
+#include <cstring>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace cvsim {
+
+namespace {
+
+constexpr char kMagic[8] = {'c', 'v', 's', 'i', 'm', 's', 'n', '1'};
+constexpr size_t kKeyWords = std::size(SimSnapshotKey{}.words);
+constexpr size_t kHeaderSize = sizeof kMagic + 8 * kKeyWords;
+
+// The storage object kinds named by the document's top-level keys.
+constexpr const char* kObjectKeys[] = {"hbas", "arrays", "paths", "disks", "vluns"};
+
+uint64_t Nanos(const struct timespec& t)
+{
+    return static_cast<uint64_t>(t.tv_sec) * 1000000000u + static_cast<uint64_t>(t.tv_nsec);
+}
+
+// The file of this library (or of the program it is linked into): a model
+// built anew makes every snapshot stale, whatever it changed.
+bool ModelFileStat(struct stat& st)
+{
+    static const int kAnchor = 0;
+    Dl_info info{};
+    return dladdr(&kAnchor, &info) != 0 && info.dli_fname != nullptr && ::stat(info.dli_fname, &st) == 0;
+}
+
+}  // namespace
+
+// Writes and reads the fields of SimObjects. One visitor per structure
+// serves both directions, so the two cannot disagree on the layout.
+class SimObjectsCodec {
+public:
+    class Writer {
+    public:
+        std::string out;
+
+        void raw(const void* p, size_t n) { out.append(static_cast<const char*>(p), n); }
+        void operator()(uint64_t v) { raw(&v, sizeof v); }
+        void operator()(uint32_t v) { raw(&v, sizeof v); }
+        void operator()(uint8_t v) { raw(&v, sizeof v); }
+        void operator()(bool v) { (*this)(static_cast<uint8_t>(v ? 1 : 0)); }
+        template <size_t N>
+        void operator()(const std::array<uint8_t, N>& v) { raw(v.data(), N); }
+        void operator()(const std::string& s)
+        {
+            (*this)(static_cast<uint64_t>(s.size()));
+            raw(s.data(), s.size());
+        }
+        void operator()(const std::vector<uint32_t>& v)
+        {
+            (*this)(static_cast<uint64_t>(v.size()));
+            raw(v.data(), 4 * v.size());
+        }
+        template <typename T>
+        void operator()(const std::vector<T>& v)
+        {
+            (*this)(static_cast<uint64_t>(v.size()));
+            for (const T& x : v) {
+                Visit(*this, x);
+            }
+        }
+    };
+
+    class Reader {
+    public:
+        explicit Reader(std::string_view in) : m_in(in) {}
+        bool done() const { return m_at == m_in.size(); }
+
+        void raw(void* p, size_t n)
+        {
+            if (n > m_in.size() - m_at) {
+                throw SimError("snapshot: objects cut short");
+            }
+            std::memcpy(p, m_in.data() + m_at, n);
+            m_at += n;
+        }
+        void operator()(uint64_t& v) { raw(&v, sizeof v); }
+        void operator()(uint32_t& v) { raw(&v, sizeof v); }
+        void operator()(uint8_t& v) { raw(&v, sizeof v); }
+        void operator()(bool& v)
+        {
+            uint8_t b = 0;
+            (*this)(b);
+            v = b != 0;
+        }
+        template <size_t N>
+        void operator()(std::array<uint8_t, N>& v) { raw(v.data(), N); }
+        void operator()(std::string& s)
+        {
+            s.resize(count(1));
+            raw(s.data(), s.size());
+        }
+        void operator()(std::vector<uint32_t>& v)
+        {
+            v.resize(count(4));
+            raw(v.data(), 4 * v.size());
+        }
+        template <typename T>
+        void operator()(std::vector<T>& v)
+        {
+            v.resize(count(1));
+            for (T& x : v) {
+                Visit(*this, x);
+            }
+        }
+
+    private:
+        // An element count that the rest of the input can hold.
+        size_t count(size_t minElementSize)
+        {
+            uint64_t n = 0;
+            (*this)(n);
+            if (n > (m_in.size() - m_at) / minElementSize) {
+                throw SimError("snapshot: a count past the end");
+            }
+            return static_cast<size_t>(n);
+        }
+
+        std::string_view m_in;
+        size_t m_at = 0;
+    };
+
+    static std::string Encode(const SimObjects& o)
+    {
+        Writer w;
+        // The writer only reads; the visitors take the objects as mutable
+        // so that the reader can share them.
+        Visit(w, const_cast<SimObjects&>(o));
+        return std::move(w.out);
+    }
+
+    static SimObjectsPtr Decode(std::string_view in)
+    {
+        auto o = std::make_shared<SimObjects>();
+        Reader r(in);
+        Visit(r, *o);
+        if (!r.done()) {
+            throw SimError("snapshot: bytes after the objects");
+        }
+        o->reindex();
+        return o;
+    }
+
+private:
+    template <typename IO, typename... F>
+    static void Fields(IO& io, F&... f)
+    {
+        (io(f), ...);
+    }
+
+    template <typename IO, typename T>
+    static void Visit(IO& io, const T& x)
+    {
+        Visit(io, const_cast<T&>(x));
+    }
+
+    template <typename IO>
+    static void Visit(IO& io, SimController& c)
+    {
+        Fields(io, c.id, c.name, c.enabled, c.remote, c.paths);
+    }
+    template <typename IO>
+    static void Visit(IO& io, SimArray& a)
+    {
+        uint64_t jsonIndex = a.jsonIndex;
+        Fields(io, a.id, jsonIndex, a.name, a.sn, a.vendor, a.product, a.revision, a.driver, a.capability,
+               a.flagBytes, a.controllers, a.disks, a.vluns, a.paths);
+        a.jsonIndex = static_cast<size_t>(jsonIndex);
+    }
+    template <typename IO>
+    static void Visit(IO& io, SimHba& h)
+    {
+        Fields(io, h.id, h.wwn, h.portType, h.scsiHost, h.driver, h.enabled, h.paths);
+    }
+    template <typename IO>
+    static void Visit(IO& io, SimPath& p)
+    {
+        Fields(io, p.id, p.arrayId, p.controllerId, p.hbaId, p.enabled, p.linkUp, p.present, p.ioState,
+               p.checkStart, p.checkStep, p.prevCheckStep, p.ioRetry.base, p.ioRetry.perHour, p.pathFaults.base,
+               p.pathFaults.perHour, p.latencyLowMs, p.latencyAvgMs, p.latencyHighMs, p.target, p.portId,
+               p.hasInitiatorIp, p.initiatorIp, p.initiatorTcpPort, p.targetTcpPort, p.scsiTarget, p.disks);
+    }
+    template <typename IO>
+    static void Visit(IO& io, SimDisk& d)
+    {
+        Fields(io, d.id, d.arrayId, d.vlunId, d.name, d.wwn, d.capacity, d.owner, d.worker, d.hostLun,
+               d.devLunIdValid, d.devLunId, d.unavailable, d.paths, d.faultyPaths, d.firstLogicalPath);
+    }
+    template <typename IO>
+    static void Visit(IO& io, SimVlun& v)
+    {
+        Fields(io, v.id, v.type, v.pe, v.wwn, v.device, v.disks, v.suspendTimeoutMs, v.suspendSince);
+    }
+    template <typename IO>
+    static void Visit(IO& io, SimObjects& o)
+    {
+        Fields(io, o.m_hasStart, o.m_started, o.m_arrays, o.m_hbas, o.m_paths, o.m_disks, o.m_vluns);
+    }
+};
+
+class SimSnapshot {
+public:
+    SimSnapshot(const void* map, size_t size) : m_map(map), m_size(size) {}
+    SimSnapshot(const SimSnapshot&) = delete;
+    SimSnapshot& operator=(const SimSnapshot&) = delete;
+    ~SimSnapshot() { ::munmap(const_cast<void*>(m_map), m_size); }
+
+    std::string_view bytes() const { return {static_cast<const char*>(m_map), m_size}; }
+    std::string_view head;
+    std::string_view objects;
+
+private:
+    const void* m_map;
+    size_t m_size;
+};
+
+void CloseSnapshot(SimSnapshot* snap) { delete snap; }
+
+bool SnapshotKeyOf(const std::string& source, SimSnapshotKey& key)
+{
+    struct stat src{};
+    if (::stat(source.c_str(), &src) != 0) {
+        if (errno == ENOENT) {
+            return false;
+        }
+        throw SimError("cannot read " + source + ": " + std::strerror(errno));
+    }
+    struct stat model{};
+    if (!ModelFileStat(model)) {
+        model = {};
+    }
+    key = SimSnapshotKey{{static_cast<uint64_t>(src.st_dev), static_cast<uint64_t>(src.st_ino),
+                          static_cast<uint64_t>(src.st_size), Nanos(src.st_mtim), Nanos(src.st_ctim),
+                          static_cast<uint64_t>(model.st_size), Nanos(model.st_mtim)}};
+    return true;
+}
+
+namespace {
+
+// A u64 length and that many bytes at `at`; false when they do not fit.
+bool Section(std::string_view all, size_t& at, std::string_view& out)
+{
+    uint64_t n = 0;
+    if (all.size() - at < sizeof n) {
+        return false;
+    }
+    std::memcpy(&n, all.data() + at, sizeof n);
+    at += sizeof n;
+    if (n > all.size() - at) {
+        return false;
+    }
+    out = all.substr(at, static_cast<size_t>(n));
+    at += static_cast<size_t>(n);
+    return true;
+}
+
+void PutSection(std::string& out, std::string_view data)
+{
+    uint64_t n = data.size();
+    out.append(reinterpret_cast<const char*>(&n), sizeof n);
+    out.append(data);
+}
+
+}  // namespace
+
+SimSnapshotPtr OpenSnapshot(const std::string& path, const SimSnapshotKey& key)
+{
+    int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        return nullptr;
+    }
+    struct stat st{};
+    void* map = MAP_FAILED;
+    if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && static_cast<size_t>(st.st_size) >= kHeaderSize) {
+        map = ::mmap(nullptr, static_cast<size_t>(st.st_size), PROT_READ, MAP_PRIVATE, fd, 0);
+    }
+    ::close(fd);
+    if (map == MAP_FAILED) {
+        return nullptr;
+    }
+    SimSnapshotPtr snap(new SimSnapshot(map, static_cast<size_t>(st.st_size)));
+    std::string_view all = snap->bytes();
+    SimSnapshotKey stored;
+    std::memcpy(stored.words, all.data() + sizeof kMagic, sizeof stored.words);
+    size_t at = kHeaderSize;
+    if (std::memcmp(all.data(), kMagic, sizeof kMagic) != 0 || !(stored == key) ||
+        !Section(all, at, snap->head) || !Section(all, at, snap->objects) || at != all.size()) {
+        return nullptr;
+    }
+    return snap;
+}
+
+void WriteSnapshot(const std::string& path, const SimSnapshotKey& key, const Json& doc,
+                   const SimObjects& objects) noexcept
+{
+    try {
+        Json head = doc;
+        for (const char* k : kObjectKeys) {
+            head.erase(k);
+        }
+        std::string out(kMagic, sizeof kMagic);
+        out.append(reinterpret_cast<const char*>(key.words), sizeof key.words);
+        PutSection(out, head.dump());
+        PutSection(out, SimObjectsCodec::Encode(objects));
+        // No fsync: a snapshot lost or cut short by a crash is only stale.
+        std::string tmp = path + ".tmp." + std::to_string(::getpid());
+        int fd = ::open(tmp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0644);
+        if (fd < 0) {
+            return;
+        }
+        bool ok = ::write(fd, out.data(), out.size()) == static_cast<ssize_t>(out.size());
+        ok = ::close(fd) == 0 && ok;
+        if (!ok || ::rename(tmp.c_str(), path.c_str()) != 0) {
+            ::unlink(tmp.c_str());
+        }
+    } catch (...) {
+        // no memory for the copy: the next process parses the JSON again
+    }
+}
+
+Json SnapshotHead(const SimSnapshot& snap)
+{
+    Json head = Json::parse(snap.head, nullptr, false);
+    if (head.is_discarded() || !head.is_object()) {
+        throw SimError("snapshot: damaged document");
+    }
+    return head;
+}
+
+SimObjectsPtr SnapshotObjects(const SimSnapshot& snap) { return SimObjectsCodec::Decode(snap.objects); }
+
+}  // namespace cvsim
