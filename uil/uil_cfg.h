@@ -280,7 +280,8 @@ uint32_t INTF_UIL_CfgParse();
 uint32_t UIL_CfgParseSection(_xmlNode* element, uint32_t sectionType, const char* instance);
 uint32_t UIL_CfgParseOneItem(_xmlNode* node, uint32_t sectionType, uint64_t* seenMask, UilUserCfgItem* item);
 
-// The value stored at one level (the document already open).
+// The value stored at one level (the document already open). A stored value
+// that fails the item's checks gives 1025, with the value in `buffer`.
 uint32_t UIL_QueryConfig(uint32_t sectionType, const char* instance, const char* item, char* buffer,
                          uint32_t size);
 // With bOpen set these open a read access around the query.

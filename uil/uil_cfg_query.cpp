@@ -148,11 +148,12 @@ uint32_t UIL_QueryConfig(uint32_t sectionType, const char* instance, const char*
         UIL_ERR("Buffer size %u insufficient, need %u", size, static_cast<uint32_t>(need));
         return MPI_RET_FAIL;
     }
+    // A damaged value is handed back too, so that the caller can name it.
+    (void)strcpy_s(buffer, size, value);
     uint32_t rc = checkStored(sectionType, item, value);
     if (rc != MPI_RET_SUCCESS) {
         return rc;
     }
-    (void)strcpy_s(buffer, size, value);
     UIL_TRACE(MPI_LOG_INFO, "Query config <%u,%s> succ, value %s", sectionType, item, value);
     return MPI_RET_SUCCESS;
 }

@@ -491,10 +491,9 @@ uint32_t INTF_UIL_GetIoLatencyThreshold(char* buffer, uint32_t size, int32_t* va
         UIL_ERR("Query Io Latency Threshold  fail");
         return ret;
     }
-    // A value read back is held to the rules of a value typed in.
+    // The store has held the stored text to the item's rules already.
     uint32_t threshold = 0;
-    if (MPI_ParseU32(buffer, item->uiMin, item->uiMax, &threshold) != MPI_Num::Ok) {
-        UIL_ERR("The stored %s {%s} is not a valid value", UIL_ITEM_IO_LATENCY_THRESHOLD, buffer);
+    if (!MPI_ToU32(buffer, &threshold)) {
         return UIL_RET_CFG_INVALID_ITEM;
     }
     *value = static_cast<int32_t>(threshold);

@@ -17,7 +17,7 @@ cannot be delivered makes the exit status a failure:
   [1]
   $ wc -c < "$CVADM_ROOT/dev/cvdrv"
   0
-  $ cv show version <&- | head -c 16; echo
+  $ cv show version <&- > "$CRAMTMP/version"; head -c 16 "$CRAMTMP/version"; echo
   Software Version
 
 A reader that goes away does not end a change before its log line: the
