@@ -87,6 +87,9 @@ public:
 
         void raw(void* p, size_t n)
         {
+            if (n == 0) {
+                return;  // an empty list may have no storage at all
+            }
             if (n > m_in.size() - m_at) {
                 throw SimError("snapshot: objects cut short");
             }

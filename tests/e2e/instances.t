@@ -7,6 +7,12 @@ namespace can be made (no privilege), the case is skipped.
   $ . "$TESTDIR/lib.sh"
   $ unshare --pid --fork --mount-proc true 2>/dev/null || exit 80
   $ cp "$(command -v sleep)" "$PWD/cvadm"
+Every transcript runs in a namespace of its own (tests/CMakeLists.txt):
+its first process is the transcript runner:
+
+  $ ps -o args= -p 1 | grep -c cram
+  1
+
   $ export -f cv tracelog
   $ isolated() { unshare --pid --fork --mount-proc /bin/bash -c "$1"; }
   $ started() { until [ "$(ps -e -o comm= | grep -cx cvadm)" -ge "$1" ]; do sleep 0.05; done; }
