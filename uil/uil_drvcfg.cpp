@@ -218,8 +218,6 @@ namespace {
 std::string g_confPath;
 std::string g_bakPath;
 
-}  // namespace
-
 void splitLines(CfgText* text)
 {
     text->lines.clear();
@@ -230,33 +228,6 @@ void splitLines(CfgText* text)
         text->lines.push_back(all.substr(0, nl));
         all = nl == std::string_view::npos ? std::string_view() : all.substr(nl + 1);
     }
-}
-
-uint32_t loadCfg(const char* path, CfgText* text)
-{
-    UilOpenResult result = UIL_ReadRegular(path, UIL_DRVCFG_MAX_SIZE, &text->bytes);
-    if (result != UilOpenResult::Ok) {
-        UIL_ERR("%s: Fail to open file %s!", __func__, path);
-        return UIL_RET_DRVCFG_NO_FILE;
-    }
-    struct stat st {};
-    if (stat(path, &st) == 0) {
-        text->mode = st.st_mode & 07777;
-    }
-    splitLines(text);
-    return MPI_RET_SUCCESS;
-}
-
-// One line in a 512-byte buffer, filtered; false for a line too long.
-bool filteredLine(std::string_view line, uint32_t mode, char (&buf)[UIL_DRVCFG_LINE_BUF])
-{
-    if (line.size() >= UIL_DRVCFG_LINE_BUF) {
-        return false;
-    }
-    std::memcpy(buf, line.data(), line.size());
-    buf[line.size()] = '\0';
-    (void)UIL_CfgLineFilter(buf, mode);
-    return true;
 }
 
 // The value of a filtered `key=value` line when its key token is a prefix
@@ -296,6 +267,35 @@ bool fileSize(const char* path, uint64_t* size)
         return false;
     }
     *size = static_cast<uint64_t>(st.st_size);
+    return true;
+}
+
+}  // namespace
+
+uint32_t loadCfg(const char* path, CfgText* text)
+{
+    UilOpenResult result = UIL_ReadRegular(path, UIL_DRVCFG_MAX_SIZE, &text->bytes);
+    if (result != UilOpenResult::Ok) {
+        UIL_ERR("%s: Fail to open file %s!", __func__, path);
+        return UIL_RET_DRVCFG_NO_FILE;
+    }
+    struct stat st {};
+    if (stat(path, &st) == 0) {
+        text->mode = st.st_mode & 07777;
+    }
+    splitLines(text);
+    return MPI_RET_SUCCESS;
+}
+
+// One line in a 512-byte buffer, filtered; false for a line too long.
+bool filteredLine(std::string_view line, uint32_t mode, char (&buf)[UIL_DRVCFG_LINE_BUF])
+{
+    if (line.size() >= UIL_DRVCFG_LINE_BUF) {
+        return false;
+    }
+    std::memcpy(buf, line.data(), line.size());
+    buf[line.size()] = '\0';
+    (void)UIL_CfgLineFilter(buf, mode);
     return true;
 }
 
