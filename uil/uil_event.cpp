@@ -269,7 +269,11 @@ uint32_t UIL_AppendEventLog(int kernelFd, int eventFd, const char* eventPath)
     if (last.found) {
         LineReader reader(kernelFd);
         for (uint64_t seen = 0; reader.next(&line);) {
-            if (keyEventLine(line, &event) && (++seen, event == last.line)) {
+            if (!keyEventLine(line, &event)) {
+                continue;
+            }
+            ++seen;
+            if (event == last.line) {
                 point = seen;
             }
         }
