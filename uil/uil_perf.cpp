@@ -668,35 +668,38 @@ uint32_t samplePaths(const UilIdList& ids, uint32_t owner, SampleFn sample, UilP
     return MPI_RET_SUCCESS;
 }
 
+// Lists the paths of `owner` with `Start`, samples each, releases the list.
+template <auto Start, auto End>
+uint32_t sampleListed(uint32_t owner, const char* what, SampleFn sample, UilPerfKind kind, const char* allocMsg,
+                      MPI_ListNode* head)
+{
+    UIL_ASSERT(head != nullptr);
+    UilIdList* ids = nullptr;
+    uint32_t ret = Start(owner, &ids);
+    if (ret != MPI_RET_SUCCESS) {
+        UIL_ERR("Enumerate %s {%u} fail. ret {%u}", what, owner, ret);
+        return ret;
+    }
+    MPI_Ended<End> idsOwner(ids);
+    return samplePaths(*ids, owner, sample, kind, allocMsg, head);
+}
+
 }  // namespace
 
 uint32_t INTF_UIL_EnumeratePhyPathPerfStart(uint32_t arrayId, MPI_ListNode* head)
 {
-    UIL_ASSERT(head != nullptr);
-    UilIdList* ids = nullptr;
-    uint32_t ret = UIL_EnumeratePhyPathIdsStart(arrayId, &ids);
-    if (ret != MPI_RET_SUCCESS) {
-        UIL_ERR("Enumerate physical path ids of array {%u} fail. ret {%u}", arrayId, ret);
-        return ret;
-    }
-    MPI_Ended<UIL_EnumeratePhyPathIdsEnd> owner(ids);
-    return samplePaths(*ids, 0, samplePhy, UIL_PERF_PHY_PATH, "Alloc memory for PhyPath perf info fail", head);
+    return sampleListed<UIL_EnumeratePhyPathIdsStart, UIL_EnumeratePhyPathIdsEnd>(
+        arrayId, "physical path ids of array", samplePhy, UIL_PERF_PHY_PATH, "Alloc memory for PhyPath perf info fail",
+        head);
 }
 
 void INTF_UIL_EnumeratePhyPathPerfEnd(MPI_ListNode* head) { UIL_PerfListFree(head); }
 
 uint32_t INTF_UIL_EnumeratePathPerfStart(uint32_t diskId, MPI_ListNode* head)
 {
-    UIL_ASSERT(head != nullptr);
-    UilIdList* ids = nullptr;
-    uint32_t ret = UIL_EnumeratePathIdsStart(diskId, &ids);
-    if (ret != MPI_RET_SUCCESS) {
-        UIL_ERR("Enumerate path ids of disk {%u} fail. ret {%u}", diskId, ret);
-        return ret;
-    }
-    MPI_Ended<UIL_EnumeratePathIdsEnd> owner(ids);
-    return samplePaths(*ids, diskId, sampleLogic, UIL_PERF_LOGIC_PATH,
-                       "Allocate memory of path performance info fail", head);
+    return sampleListed<UIL_EnumeratePathIdsStart, UIL_EnumeratePathIdsEnd>(
+        diskId, "path ids of disk", sampleLogic, UIL_PERF_LOGIC_PATH, "Allocate memory of path performance info fail",
+        head);
 }
 
 uint32_t INTF_UIL_EnumerateAllPathPerfStart(MPI_ListNode* head)
