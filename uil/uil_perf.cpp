@@ -551,12 +551,20 @@ void readCounters(const UiaPayload& payload, size_t counters, size_t extra, UilP
     out->v[UIL_PERF_EXTRA] = payload.u64(extra);
 }
 
+// A fresh entry in place: an entry already in a list stays linked.
+void resetKeepingLinks(UilPerfEntry* e)
+{
+    MPI_ListNode links = e->links;
+    *e = UilPerfEntry{};
+    e->links = links;
+}
+
 }  // namespace
 
 void UIL_TrasPhyPathPerfInfo(const UiaPayload& payload, UilPerfEntry* out)
 {
     UIL_ASSERT(out != nullptr);
-    *out = UilPerfEntry{};
+    resetKeepingLinks(out);
     out->kind = UIL_PERF_PHY_PATH;
     out->pathId = payload.u32(wire::phy::kId);
     out->arrayId = payload.u32(wire::phy::kArrayId);
@@ -596,7 +604,7 @@ uint32_t UIL_GetPhyPathPerfInfo(uint32_t pathId, UilPerfEntry* out)
 void UIL_TransPathIoStatisticInfo(const UiaPayload& payload, UilPerfEntry* out)
 {
     UIL_ASSERT(out != nullptr);
-    *out = UilPerfEntry{};
+    resetKeepingLinks(out);
     out->kind = UIL_PERF_LOGIC_PATH;
     out->diskId = payload.u32(wire::logic::kDiskId);
     out->pathId = payload.u32(wire::logic::kPathId);
