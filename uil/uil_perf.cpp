@@ -432,7 +432,7 @@ uint32_t buildSums(MPI_ListNode* paths, UilPerfKind kind, MPI_ListNode* out, con
         UilPerfEntry* sum = UIL_PerfEntryAlloc(kind);
         if (sum == nullptr) {
             UIL_ERR("Alloc %s performance memory fail", what);
-            ret = MPI_RET_NO_MEMORY;
+            ret = MPI_RET_FAIL;
             return;
         }
         identityOf(*p, kind, sum);

@@ -179,7 +179,7 @@ void UIL_ComputeArrayAveragePerf(UilPerfEntry* entry);
 void UIL_ComputeInitiatorAveragePerf(UilPerfEntry* entry);
 
 // The array and initiator lists of a physical path list (array ID order,
-// initiator name order). 1024; 1037 out of memory, `out` left empty.
+// initiator name order). 1024; 1030 out of memory, `out` left empty.
 uint32_t INTF_UIL_GetAndCreateInitiatorsPerfByPhyPath(MPI_ListNode* phyPaths, MPI_ListNode* out);
 uint32_t INTF_UIL_GetAndCreateArrayPerfByPhyPath(MPI_ListNode* phyPaths, MPI_ListNode* out);
 // Carries `cur` over as the previous list of the next interval: each entry
