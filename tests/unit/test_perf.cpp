@@ -189,13 +189,13 @@ TEST(PerfMaxMin, TracksTotalsAndResets)
 // ---------------------------------------------------------------------------
 // Lists, sums and sorts.
 
-struct PathSpec {
+struct PathRow {
     UilPerfKind kind;
     uint32_t pathId, arrayId, controllerId, diskId, vlunId;
     const char* initiator;
 };
 
-UilPerfEntry* addEntry(MPI_ListNode* head, const PathSpec& s, const Counters& c)
+UilPerfEntry* addEntry(MPI_ListNode* head, const PathRow& s, const Counters& c)
 {
     UilPerfEntry* e = UIL_PerfEntryAlloc(s.kind);
     e->pathId = s.pathId;
@@ -237,7 +237,7 @@ struct PerfLists : testing::Test {
     // path 2 reads 20 x 1000 B at 7 ms; path 3 is idle.
     void fillPhysical()
     {
-        const PathSpec paths[] = {{UIL_PERF_PHY_PATH, 3, 1, 0, 0, 0, "iqn.a"},
+        const PathRow paths[] = {{UIL_PERF_PHY_PATH, 3, 1, 0, 0, 0, "iqn.a"},
                                   {UIL_PERF_PHY_PATH, 1, 0, 1, 0, 0, "iqn.a"},
                                   {UIL_PERF_PHY_PATH, 2, 0, 0, 0, 0, "iqn.b"}};
         const Counters before[] = {{5, 5, 0, 0, 500, 500, 5, 5}, {0, 0, 0, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0, 0, 0}};
@@ -311,7 +311,7 @@ TEST_F(PerfLists, SumsPerArrayAndInitiatorWeighResponseByIo)
 TEST_F(PerfLists, VlunSumsItsLogicalPaths)
 {
     // VLUN 3 (disk 7) over paths 1 and 2, VLUN 4 (disk 8) over path 1.
-    const PathSpec paths[] = {{UIL_PERF_LOGIC_PATH, 1, 0, 0, 8, 4, ""},
+    const PathRow paths[] = {{UIL_PERF_LOGIC_PATH, 1, 0, 0, 8, 4, ""},
                               {UIL_PERF_LOGIC_PATH, 1, 0, 0, 7, 3, ""},
                               {UIL_PERF_LOGIC_PATH, 2, 0, 0, 7, 3, ""}};
     const Counters after[] = {{0, 10, 0, 0, 0, 10000, 0, 90}, {60, 0, 0, 0, 245760, 0, 120, 0},
@@ -353,12 +353,12 @@ TEST_F(PerfLists, SortsAreStableAndKeyed)
     };
     for (const SortCase& c : cases) {
         UIL_PerfListFree(&cur);
-        const PathSpec specs[] = {{UIL_PERF_PHY_PATH, 5, 1, 0, 0, 0, "first"},
+        const PathRow rows[] = {{UIL_PERF_PHY_PATH, 5, 1, 0, 0, 0, "first"},
                                   {UIL_PERF_PHY_PATH, 2, 0, 1, 0, 0, "second"},
                                   {UIL_PERF_PHY_PATH, 9, 0, 0, 0, 0, ""},
                                   {UIL_PERF_PHY_PATH, 2, 1, 1, 0, 0, "fourth"},
                                   {UIL_PERF_PHY_PATH, 1, 0, 1, 0, 0, ""}};
-        for (const PathSpec& s : specs) {
+        for (const PathRow& s : rows) {
             addEntry(&cur, s, {});
         }
         c.sort(&cur);
