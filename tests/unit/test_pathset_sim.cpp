@@ -340,6 +340,33 @@ TEST(ReliabilityRule, AverageIsSumOverSamplesAndZeroWithoutSamples)
     EXPECT_EQ(UIL_CalAverageIoLatency(UINT64_MAX, 1), UINT64_MAX);
 }
 
+TEST(ReliabilityRule, SortsAreAscendingAndStable)
+{
+    // (vlun, path) in the order a dual-site VLUN whose second member has the
+    // lower path IDs would be read.
+    const std::pair<uint32_t, uint32_t> input[] = {{7, 12}, {3, 4}, {7, 2}, {3, 9}, {5, 4}};
+    std::vector<UilIoReliability> records(std::size(input));
+    MPI_ListNode head;
+    MPI_ListInit(&head);
+    for (size_t i = 0; i < records.size(); ++i) {
+        records[i].vlunId = input[i].first;
+        records[i].pathId = input[i].second;
+        MPI_ListAddTail(&records[i].links, &head);
+    }
+    auto order = [&head] {
+        std::vector<std::pair<uint32_t, uint32_t>> out;
+        for (MPI_ListNode* n = head.next; n != &head; n = n->next) {
+            const auto* r = reinterpret_cast<const UilIoReliability*>(n);
+            out.emplace_back(r->vlunId, r->pathId);
+        }
+        return out;
+    };
+    INTF_UIL_SortReliabilityListByPathID(&head);
+    EXPECT_EQ(order(), (std::vector<std::pair<uint32_t, uint32_t>>{{7, 2}, {3, 4}, {5, 4}, {3, 9}, {7, 12}}));
+    INTF_UIL_SortReliabilityListByVLunID(&head);
+    EXPECT_EQ(order(), (std::vector<std::pair<uint32_t, uint32_t>>{{3, 4}, {3, 9}, {5, 4}, {7, 2}, {7, 12}}));
+}
+
 TEST_F(PathSetSim, WholeDiskCountersOfEveryVlunInVlunOrder)
 {
     Reliability all(UIL_RELIABILITY_ALL_VLUNS, 0);
