@@ -5,10 +5,13 @@
 #include <memory>
 
 #include "bounded/bounded.h"
+#include "mpi/mpi_scope.h"
 #include "mpi/mpi_usr.h"
 #include "uia/uia.h"
+#include "uil/uil_array.h"
 #include "uil/uil_commonset.h"
 #include "uil/uil_oper.h"
+#include "uil/uil_tpg.h"
 #include "uil/uil_wire_pathset.h"
 
 namespace w = uil_wire_pathset;
@@ -41,6 +44,20 @@ uint32_t sendPathSub(const char* what, uint32_t pathId, UiaPayload& payload, uin
         UIL_ERR("%s of path {%u} failed, ret {%u}", what, pathId, ret);
     }
     return ret;
+}
+
+using PathPtr = std::unique_ptr<UilPathInfo, void (*)(void*)>;
+
+// One physical path record, read into a record of its own; `ret` gets the
+// answer (the record is null unless it is 1024).
+PathPtr readPhyPath(uint32_t pathId, uint32_t* ret)
+{
+    PathPtr path(static_cast<UilPathInfo*>(UIL_ZMalloc(sizeof(UilPathInfo))), std::free);
+    *ret = path == nullptr ? MPI_RET_NO_MEMORY : INTF_UIL_GetPhyPathInfo(pathId, path.get());
+    if (*ret != MPI_RET_SUCCESS) {
+        path.reset();
+    }
+    return path;
 }
 
 // The code of an I/O state word, or UIL_PATH_IO_NONE (traced).
@@ -137,13 +154,9 @@ namespace {
 
 uint32_t sendPathCheck(uint32_t pathId)
 {
-    std::unique_ptr<UilPathInfo, void (*)(void*)> path(
-        static_cast<UilPathInfo*>(UIL_ZMalloc(sizeof(UilPathInfo))), std::free);
+    uint32_t ret = MPI_RET_SUCCESS;
+    PathPtr path = readPhyPath(pathId, &ret);
     if (path == nullptr) {
-        return MPI_RET_NO_MEMORY;
-    }
-    const uint32_t ret = INTF_UIL_GetPhyPathInfo(pathId, path.get());
-    if (ret != MPI_RET_SUCCESS) {
         UIL_ERR("Get phy path info fail, path id {%u}, ret {%u}", pathId, ret);
         return ret;
     }
@@ -204,4 +217,46 @@ uint32_t INTF_UIL_ClearPhyPathStatistic(uint32_t pathId, UilOperLogPara* record)
         return UIL_RET_CLEAR_STAT_FAIL;
     }
     return MPI_RET_SUCCESS;
+}
+
+UilPathStateCheck UIL_CanSetPhyPathState(uint32_t pathId, bool enable)
+{
+    UilPathStateCheck check{UIL_PATHSTATE_NO_PATH, 0, 0};
+    uint32_t ret = MPI_RET_SUCCESS;
+    PathPtr path = readPhyPath(pathId, &ret);
+    if (path == nullptr) {
+        return check;
+    }
+    check.arrayId = path->arrayId;
+    check.controllerId = path->controllerId;
+    if (path->portType == UIL_PORT_ISCSI) {
+        check.refusal = UIL_PATHSTATE_ISCSI;
+        return check;
+    }
+    ArrayInfo array;
+    ret = INTF_UIL_GetArrayInfoStart(path->arrayId, &array);
+    MPI_Ended<INTF_UIL_GetArrayInfoEnd> arrayOwner(&array);  // End is safe after any result
+    const bool arrayKnown =
+        ret == MPI_RET_SUCCESS || (ret == MPI_RET_NOT_FOUND && enable && path->phyWord32 == 0);
+    if (!arrayKnown) {
+        check.refusal = UIL_PATHSTATE_NO_ARRAY;
+        return check;
+    }
+    if (!UIL_ArraySupportsPathState(array)) {
+        check.refusal = UIL_PATHSTATE_NOT_SUPPORTED;
+        return check;
+    }
+    if (enable) {
+        uint32_t state = 0;
+        if (INTF_UIL_GetTpgInfo(path->arrayId, path->controllerId, &state) != MPI_RET_SUCCESS) {
+            check.refusal = UIL_PATHSTATE_NO_CONTROLLER;
+            return check;
+        }
+        if (state != UIL_TPG_ENABLED) {
+            check.refusal = UIL_PATHSTATE_CONTROLLER_DISABLED;
+            return check;
+        }
+    }
+    check.refusal = UIL_PATHSTATE_OK;
+    return check;
 }

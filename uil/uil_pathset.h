@@ -79,3 +79,29 @@ uint32_t INTF_UIL_ClearObsoletePath(const char* source, uint32_t pathId, UilOper
 // 0x6c: clears one physical path's statistics. 1024, or
 // UIL_RET_CLEAR_STAT_FAIL when the request fails.
 uint32_t INTF_UIL_ClearPhyPathStatistic(uint32_t pathId, UilOperLogPara* record);
+
+// ---------------------------------------------------------------------------
+// The checks before a path is enabled or disabled, in their order; the
+// first that fails names the refusal (the shell words it):
+//   1. the path exists;
+//   2. it is not iSCSI (neither direction is supported);
+//   3. its array exists; an array the driver lists without disks is let
+//      through when enabling a path that carries no LUN (the record's word
+//      after the port type is 0);
+//   4. the array supports switching path states (capability byte 440 or 441);
+//   5. when enabling: its controller exists and is enabled.
+enum UilPathStateRefusal : uint32_t {
+    UIL_PATHSTATE_OK = 0,
+    UIL_PATHSTATE_NO_PATH,
+    UIL_PATHSTATE_ISCSI,
+    UIL_PATHSTATE_NO_ARRAY,
+    UIL_PATHSTATE_NOT_SUPPORTED,
+    UIL_PATHSTATE_NO_CONTROLLER,
+    UIL_PATHSTATE_CONTROLLER_DISABLED,
+};
+struct UilPathStateCheck {
+    UilPathStateRefusal refusal;
+    uint32_t arrayId;       // the path's array (checks 3 on)
+    uint32_t controllerId;  // the path's controller (check 5)
+};
+UilPathStateCheck UIL_CanSetPhyPathState(uint32_t pathId, bool enable);

@@ -223,6 +223,49 @@ TEST_F(PathSetSim, ChangesShowInTheNextPathRecord)
 }
 
 // ---------------------------------------------------------------------------
+// The checks before a state change, one case per check, in their order.
+
+TEST_F(PathSetSim, StateChangeChecksStopAtTheFirstThatFails)
+{
+    struct Row {
+        const char* what;
+        uint32_t path;
+        bool enable;
+        const char* faults;
+        UilPathStateRefusal refusal;
+        uint32_t arrayId;
+        uint32_t controllerId;
+    };
+    const Row rows[] = {
+        {"no such path", 4242, true, "", UIL_PATHSTATE_NO_PATH, 0, 0},
+        {"iSCSI, enabling", 10, true, "", UIL_PATHSTATE_ISCSI, 2, 0},
+        {"iSCSI, disabling", 11, false, "", UIL_PATHSTATE_ISCSI, 2, 1},
+        // Array 3 lists no disk: a disable is refused there...
+        {"array without disks, disabling", 15, false, "", UIL_PATHSTATE_NO_ARRAY, 3, 0},
+        {"array unreadable", 0, false, "12 code=1057 1", UIL_PATHSTATE_NO_ARRAY, 0, 0},
+        // ... an enable of its LUN-less path goes on, to find no support.
+        {"array without disks, enabling", 15, true, "", UIL_PATHSTATE_NOT_SUPPORTED, 3, 0},
+        {"controller disabled", 14, true, "", UIL_PATHSTATE_CONTROLLER_DISABLED, 4, 1},
+        {"controller disabled, disabling", 14, false, "", UIL_PATHSTATE_OK, 4, 1},
+        {"all well", 6, true, "", UIL_PATHSTATE_OK, 1, 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        setFaults(row.faults);
+        clearRequests();
+        const UilPathStateCheck check = UIL_CanSetPhyPathState(row.path, row.enable);
+        EXPECT_EQ(check.refusal, row.refusal);
+        if (row.refusal != UIL_PATHSTATE_NO_PATH) {
+            EXPECT_EQ(check.arrayId, row.arrayId);
+            EXPECT_EQ(check.controllerId, row.controllerId);
+        }
+        for (const Request& r : requests()) {
+            EXPECT_NE(r.nr, 50u);  // checking never changes anything
+        }
+    }
+}
+
+// ---------------------------------------------------------------------------
 // Path check: the all-busy flag at 40, the step it starts, the log line.
 
 TEST(PathCheckRule, AllBusyOnlyForANormalPathWithWorkingPathsAllBusy)
