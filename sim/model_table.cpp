@@ -3,6 +3,7 @@
 // not match its row is refused, which catches a wrong code in the program.
 #include "model.h"
 #include "model_objects.h"
+#include "model_pathset.h"
 
 #include <array>
 
@@ -37,6 +38,13 @@ constexpr std::array kRequests = {
     SimRequestRow{0x5d, 28, HandleDsInfo, kNoCountField},
     SimRequestRow{0x5f, 84, HandleVlunInfo, 60},  // member count and member disks
     SimRequestRow{100, 64, HandleWorkerTable, 4},
+    // Paths and I/O reliability (model_pathset.h).
+    SimRequestRow{0x32, kCommonSetSize, HandleCommonSet, kNoCountField},
+    SimRequestRow{0x62, 4, HandleAlarmEnable, kNoCountField},
+    SimRequestRow{0x63, 4, HandleReliabilityEnable, kNoCountField},
+    SimRequestRow{0x68, 80, HandleIoReliability, kNoCountField},
+    SimRequestRow{0x69, 80, HandleClearIoCount, kNoCountField},
+    SimRequestRow{0x6c, 1080, HandleClearPathStatistic, kNoCountField},
 };
 
 }  // namespace
