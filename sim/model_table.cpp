@@ -3,6 +3,7 @@
 // not match its row is refused, which catches a wrong code in the program.
 #include "model.h"
 #include "model_objects.h"
+#include "model_arrays.h"
 
 #include <array>
 
@@ -37,6 +38,16 @@ constexpr std::array kRequests = {
     SimRequestRow{0x5d, 28, HandleDsInfo, kNoCountField},
     SimRequestRow{0x5f, 84, HandleVlunInfo, 60},  // member count and member disks
     SimRequestRow{100, 64, HandleWorkerTable, 4},
+    // Array-level requests and aggregated VLUNs (model_arrays.h).
+    SimRequestRow{50, 608, HandleCommonSet, kNoCountField},
+    SimRequestRow{0x45, 4, HandleTurnOffIoSuspension, kNoCountField},
+    SimRequestRow{0x51, 12, HandleRebalance, kNoCountField},
+    SimRequestRow{0x5b, 12, HandleAggreIds, 4},
+    SimRequestRow{0x5c, 16, HandleAggreInfo, 4},
+    SimRequestRow{0x5e, 28, HandleMigrateInfo, kNoCountField},
+    SimRequestRow{0x60, 12, HandleStartMigration, kNoCountField},
+    SimRequestRow{0x61, 84, HandleCtrlIoSuspension, kNoCountField},
+    SimRequestRow{0x6b, 16, HandlePerfRecord, kNoCountField},
 };
 
 }  // namespace
