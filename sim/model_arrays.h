@@ -18,6 +18,12 @@ uint32_t HandleAggreInfo(SimContext& ctx, SimPayload& p);        // 0x5c
 uint32_t HandleMigrateInfo(SimContext& ctx, SimPayload& p);      // 0x5e
 uint32_t HandleStartMigration(SimContext& ctx, SimPayload& p);   // 0x60
 
+// Whether the program marked the array's TPG remote: the array's
+// configuration as the driver was told it ("xva_remote", TPG IDs
+// separated by ",").
+struct SimArray;
+bool XvaRemote(const Json& driver, const SimArray& array, uint32_t tpgId);
+
 // The place of an object in the document's list `key` ("disks", "vluns")
 // by its ID; throws SimError when it is not there.
 size_t JsonIndexOf(const Json& driver, const char* key, uint32_t id);

@@ -14,6 +14,8 @@
 //                       "potential_fault_switch"}   sub-commands 43, 44, 57
 //   disks[].worker = owner                  rebalance (0x51)
 //   vluns[].io_suspension {timeout_seconds, since}  0x61 and 0x45
+// A controller reads remote when the topology says so or when the program
+// listed it in the array's "xva_remote" configuration item.
 #include <algorithm>
 
 #include "model_arrays.h"
@@ -177,6 +179,30 @@ uint32_t DigitsOr(const Json* held, const char* item, uint32_t fallback)
 }
 
 }  // namespace
+
+bool XvaRemote(const Json& driver, const SimArray& array, uint32_t tpgId)
+{
+    const Json* cfg = JsonOptionalMember(driver, "user_config", "");
+    const Json* arrays = cfg != nullptr && cfg->is_object() ? JsonOptionalMember(*cfg, "array", "user_config")
+                                                            : nullptr;
+    if (arrays == nullptr || !arrays->is_object() || !arrays->contains(array.sn)) {
+        return false;
+    }
+    const Json& held = (*arrays)[array.sn];
+    if (!held.is_object() || !held.contains("xva_remote") || !held["xva_remote"].is_string()) {
+        return false;
+    }
+    const std::string& list = held["xva_remote"].get_ref<const std::string&>();
+    size_t start = 0;
+    while (start <= list.size()) {
+        size_t end = std::min(list.find(',', start), list.size());
+        if (list.substr(start, end - start) == std::to_string(tpgId)) {
+            return true;
+        }
+        start = end + 1;
+    }
+    return false;
+}
 
 size_t JsonIndexOf(const Json& driver, const char* key, uint32_t id)
 {

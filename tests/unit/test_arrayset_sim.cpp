@@ -4,8 +4,11 @@
 // later read shows of a change.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "support/payload_rows.h"
 #include "support/sim_harness.h"
@@ -14,6 +17,7 @@
 #include "uil/uil_objects_int.h"
 #include "uil/uil_tpg.h"
 #include "uil/uil_vlun.h"
+#include "uil/uil_xva.h"
 
 namespace {
 
@@ -221,6 +225,97 @@ TEST_F(ArraySet, HostWideSendersReturnTheDriversCode)
     UIL_InitArrayInfo(&array);
     ASSERT_EQ(UIL_GetArrayRecord(2, &array), 1024u);
     EXPECT_EQ(array.capability, 1u << 24);
+}
+
+
+std::vector<uint32_t> remoteList(uint32_t arrayId, uint32_t* ret)
+{
+    uint32_t ids[16];
+    size_t count = 0;
+    *ret = UIL_GetXvaRemoteByArrayID(arrayId, ids, 16, &count);
+    return {ids, ids + count};
+}
+
+uint8_t remoteFlag(uint32_t arrayId, uint32_t tpgId)
+{
+    UilTpgInfo* tpg = nullptr;
+    EXPECT_EQ(UIL_EnumerateTpgStart(arrayId, tpgId, &tpg), 1024u);
+    uint8_t flag = tpg != nullptr ? tpg->remote : 0xFF;
+    UIL_EnumerateTpgEnd(tpg);
+    return flag;
+}
+
+size_t notifies()
+{
+    size_t n = 0;
+    for (const simtest::Request& r : requests()) {
+        n += r.nr == 70 ? 1 : 0;
+    }
+    return n;
+}
+
+TEST(Xva, AnArrayIsXvaByTheBeginningOfItsProductId)
+{
+    for (auto [product, xva] : {std::pair{"XVA5000", true}, {"XVA", true}, {"xva5000", false}, {"XV", false},
+                                {"", false}, {" XVA5000", false}}) {
+        EXPECT_EQ(UIL_IsXvaProduct(product), xva) << product;
+    }
+    EXPECT_FALSE(UIL_IsXvaProduct(nullptr));
+}
+
+TEST_F(ArraySet, RemoteControllersAreAddedRemovedAndReportedByTheDriver)
+{
+    struct Row {
+        bool remote;
+        std::vector<uint32_t> given;
+        std::vector<uint32_t> stored;
+    } rows[] = {
+        {true, {1, 3}, {1, 3}},
+        {true, {3, 0}, {1, 3, 0}},  // 3 is already remote
+        {false, {3, 2}, {1, 0}},    // 2 was not
+        {false, {1, 0}, {}},
+    };
+    uint32_t ret = 0;
+    for (const Row& row : rows) {
+        UilOperLogPara rec = blankRecord();
+        ASSERT_EQ(INTF_UIL_SetRemoteController("CLI", 0, row.remote, row.given.size(), row.given.data(), &rec),
+                  1024u);
+        EXPECT_EQ(remoteList(0, &ret), row.stored);
+        EXPECT_EQ(rec.uiObjId, 0u);
+        for (uint32_t tpg = 0; tpg < 4; ++tpg) {
+            bool listed = std::find(row.stored.begin(), row.stored.end(), tpg) != row.stored.end();
+            EXPECT_EQ(remoteFlag(0, tpg), listed ? 1 : 0) << tpg;
+        }
+    }
+    UilOperLogPara rec = blankRecord();
+    const uint32_t two[] = {2, 12};
+    ASSERT_EQ(INTF_UIL_SetRemoteController("CLI", 0, true, 2, two, &rec), 1024u);
+    EXPECT_STREQ(rec.szValue, "remote,2,12");
+    EXPECT_EQ(rec.uiObjType, 101u);
+    ASSERT_EQ(INTF_UIL_SetRemoteController("CLI", 0, false, 2, two, &rec), 1024u);
+    EXPECT_STREQ(rec.szValue, "local,2,12");
+    EXPECT_EQ(remoteFlag(1, 1), 1u);  // remote in the topology itself
+}
+
+TEST_F(ArraySet, RemoteControllerRefusalsChangeNothing)
+{
+    const uint32_t one[] = {1};
+    const uint32_t bad[] = {1, 16};
+    uint32_t ret = 0;
+    EXPECT_EQ(INTF_UIL_SetRemoteController("CLI", 0, true, 0, one, nullptr), 1026u);
+    EXPECT_EQ(INTF_UIL_SetRemoteController("CLI", 0, true, 2, bad, nullptr), 1026u);
+    EXPECT_EQ(INTF_UIL_SetRemoteController("CLI", 0, true, 1, nullptr, nullptr), 1026u);
+    EXPECT_NE(INTF_UIL_SetRemoteController("CLI", 9, true, 1, one, nullptr), 1024u);
+    EXPECT_EQ(INTF_UIL_SetRemoteController("CLI", 2, false, 1, one, nullptr), 1024u);  // nothing stored
+    EXPECT_EQ(notifies(), 0u);
+
+    ASSERT_EQ(UIL_SetArrayConfig("2102351XVA10K8000002", "xva_remote", "1,x"), 1024u);
+    EXPECT_TRUE(remoteList(1, &ret).empty());
+    EXPECT_EQ(ret, 1030u);
+    simtest::clearRequests();
+    EXPECT_EQ(INTF_UIL_SetRemoteController("CLI", 1, true, 1, one, nullptr), 1030u);
+    EXPECT_EQ(notifies(), 0u);
+    ASSERT_EQ(UIL_SetArrayConfig("2102351XVA10K8000002", "xva_remote", ""), 1024u);
 }
 
 }  // namespace
