@@ -6,6 +6,7 @@
 
 #include "bounded/bounded.h"
 #include "mpi/mpi_number.h"
+#include "uil/uil_arrays_int.h"
 #include "uil/uil_objects_int.h"
 #include "uil/uil_wire_aglun.h"
 
@@ -22,6 +23,25 @@ bool askVlun(const UiaRequest& req, uint32_t vlunId, UiaPayload& payload)
 {
     payload.setU32(0, vlunId);
     return UIA_Send(req, payload) == MPI_RET_SUCCESS;
+}
+
+// The steps every per-VLUN query shares: the record cleared, the request
+// sent, the record's ID set. 1024; 1026 for a null record; 1 when the
+// driver refuses. `what` names the record in the trace ("ds", ...).
+template <typename Record>
+uint32_t queryVlun(const UiaRequest& req, uint32_t vlunId, Record* out, const char* what, UiaPayload& payload)
+{
+    if (out == nullptr) {
+        UIL_ERR("Input pointer of %s info is NULL", what);
+        return MPI_RET_INVALID_PARAM;
+    }
+    *out = {};
+    if (!askVlun(req, vlunId, payload)) {
+        UIL_ERR("Querry %s info by ioctl fail, vlun id {%u}", what, vlunId);
+        return 1;
+    }
+    out->vlunId = vlunId;
+    return MPI_RET_SUCCESS;
 }
 
 // Units of the split size: the letter, its factor and the largest number.
@@ -80,17 +100,11 @@ void INTF_UIL_EnumerateAggreIdsEnd(UilIdList* list) { UIL_IdListFree(list); }
 
 uint32_t INTF_UIL_GetAggreInfoStart(uint32_t vlunId, UilAggreInfo* out)
 {
-    if (out == nullptr) {
-        UIL_ERR("Input pointer of aggre info is NULL");
-        return MPI_RET_INVALID_PARAM;
-    }
-    *out = {};
     UiaPayload payload(uia_req::GetAggreInfo.size);
-    if (!askVlun(uia_req::GetAggreInfo, vlunId, payload)) {
-        UIL_ERR("Querry aggre info by ioctl fail, vlun id {%u}", vlunId);
-        return 1;
+    uint32_t ret = queryVlun(uia_req::GetAggreInfo, vlunId, out, "aggre", payload);
+    if (ret != MPI_RET_SUCCESS) {
+        return ret;
     }
-    out->vlunId = vlunId;
     out->memberCount = UIL_ClampCount(payload.u32(w::kAggreCount), w::kAggreMaxMembers, "members of a vlun");
     for (uint32_t i = 0; i < out->memberCount; ++i) {
         out->memberDiskId[i] = payload.u32(w::kAggreMembers + 4 * static_cast<size_t>(i));
@@ -107,17 +121,11 @@ void INTF_UIL_GetAggreInfoEnd(UilAggreInfo* info)
 
 uint32_t INTF_UIL_GetDSInfoStart(uint32_t vlunId, UilDsInfo* out)
 {
-    if (out == nullptr) {
-        UIL_ERR("Input pointer of ds info is NULL");
-        return MPI_RET_INVALID_PARAM;
-    }
-    *out = {};
     UiaPayload payload(uia_req::GetDsInfo.size);
-    if (!askVlun(uia_req::GetDsInfo, vlunId, payload)) {
-        UIL_ERR("Querry ds info by ioctl fail, vlun id {%u}", vlunId);
-        return 1;
+    uint32_t ret = queryVlun(uia_req::GetDsInfo, vlunId, out, "ds", payload);
+    if (ret != MPI_RET_SUCCESS) {
+        return ret;
     }
-    out->vlunId = vlunId;
     out->mode = payload.u8(w::kDsMode);
     payload.text(w::kDsPrimarySn, w::kDsPrimarySnLen, out->primarySn, sizeof(out->primarySn));
     return MPI_RET_SUCCESS;
@@ -125,17 +133,11 @@ uint32_t INTF_UIL_GetDSInfoStart(uint32_t vlunId, UilDsInfo* out)
 
 uint32_t INTF_UIL_GetMigrateInfoStart(uint32_t vlunId, UilMigrateInfo* out)
 {
-    if (out == nullptr) {
-        UIL_ERR("Input pointer of migrate info is NULL");
-        return MPI_RET_INVALID_PARAM;
-    }
-    *out = {};
     UiaPayload payload(uia_req::GetMigrateInfo.size);
-    if (!askVlun(uia_req::GetMigrateInfo, vlunId, payload)) {
-        UIL_ERR("Querry migrate info by ioctl fail, vlun id {%u}", vlunId);
-        return 1;
+    uint32_t ret = queryVlun(uia_req::GetMigrateInfo, vlunId, out, "migrate", payload);
+    if (ret != MPI_RET_SUCCESS) {
+        return ret;
     }
-    out->vlunId = vlunId;
     out->targetPreferred = payload.u8(w::kMigDirection);
     out->rollback = payload.u8(w::kMigRollback);
     return MPI_RET_SUCCESS;
@@ -146,11 +148,7 @@ uint32_t INTF_UIL_StartMigration(const char* source, uint32_t vlunId, uint8_t ta
 {
     UIL_ASSERT(source != nullptr);
     if (record != nullptr) {
-        (void)memset_s(record, sizeof(*record), 0, sizeof(*record));
-        record->uiObjType = MPI_OBJ_LUN;
-        record->uiObjId = vlunId;
-        (void)snprintf_s(record->szValue, sizeof(record->szValue), sizeof(record->szValue) - 1,
-                         "bDstIsPrior: %d, bRollBack: %d", targetPreferred, rollback);
+        UIL_FillOperRecord(record, MPI_OBJ_LUN, vlunId, "bDstIsPrior: %d, bRollBack: %d", targetPreferred, rollback);
     }
     UiaPayload payload(uia_req::StartMigration.size);
     payload.setU8(w::kStartTargetPreferred, targetPreferred);

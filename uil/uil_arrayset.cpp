@@ -1,11 +1,12 @@
 #include "uil/uil_arrayset.h"
 
-#include <cstdio>
+#include <cstdarg>
 #include <cstring>
 
 #include "bounded/bounded.h"
 #include "mpi/mpi_number.h"
 #include "uia/uia.h"
+#include "uil/uil_arrays_int.h"
 #include "uil/uil_commonset.h"
 #include "uil/uil_tpg.h"
 #include "uil/uil_wire_arrayset.h"
@@ -24,15 +25,19 @@ uint32_t sendU32(uint32_t sub, size_t offset, uint32_t value)
     return UIL_CommonSetSend(payload, nullptr);
 }
 
-void fillRecord(UilOperLogPara* record, uint32_t type, uint32_t id, const char* value)
+}  // namespace
+
+void UIL_FillOperRecord(UilOperLogPara* record, uint32_t type, uint32_t id, const char* format, ...)
 {
+    UIL_ASSERT(record != nullptr && format != nullptr);
     (void)memset_s(record, sizeof(*record), 0, sizeof(*record));
     record->uiObjType = type;
     record->uiObjId = id;
-    (void)strncpy_s(record->szValue, sizeof(record->szValue), value, sizeof(record->szValue) - 1);
+    va_list args;
+    va_start(args, format);
+    (void)vsnprintf_s(record->szValue, sizeof(record->szValue), sizeof(record->szValue) - 1, format, args);
+    va_end(args);
 }
-
-}  // namespace
 
 uint32_t INTF_UIL_SetLunTresPassDelayTime(const char* source, uint32_t seconds)
 {
@@ -86,9 +91,7 @@ uint32_t INTF_UIL_SetTpgState(const char* source, uint32_t arrayId, uint32_t tpg
         name[0] == '\0') {
         (void)snprintf_s(name, sizeof(name), sizeof(name) - 1, "%u", tpgId);
     }
-    char value[UIL_OPER_LOG_VALUE_LEN];
-    (void)snprintf_s(value, sizeof(value), sizeof(value) - 1, "%u,%s", enable ? 1u : 0u, name);
-    fillRecord(record, MPI_OBJ_ARRAY, arrayId, value);
+    UIL_FillOperRecord(record, MPI_OBJ_ARRAY, arrayId, "%u,%s", enable ? 1u : 0u, name);
     if (tpgId > kMaxTpgId) {
         UIL_ERR("Tpg id {%u} of array {%u} is out of range", tpgId, arrayId);
         return MPI_RET_INVALID_PARAM;
@@ -124,12 +127,10 @@ uint32_t INTF_UIL_StartRebalancelun(const char* source, const char* key, const c
             return MPI_RET_INVALID_PARAM;
         }
     }
-    if (record != nullptr) {
-        char text[UIL_OPER_LOG_VALUE_LEN] = "all";
-        if (scope != MPI_OBJ_COMMON) {
-            (void)snprintf_s(text, sizeof(text), sizeof(text) - 1, "%s=%u", key, id);
-        }
-        fillRecord(record, scope, id, text);
+    if (record != nullptr && scope == MPI_OBJ_COMMON) {
+        UIL_FillOperRecord(record, scope, id, "all");
+    } else if (record != nullptr) {
+        UIL_FillOperRecord(record, scope, id, "%s=%u", key, id);
     }
     UiaPayload payload(w::kRebalanceSize);
     payload.setU32(w::kRebalanceScope, scope);

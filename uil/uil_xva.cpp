@@ -6,6 +6,7 @@
 
 #include "bounded/bounded.h"
 #include "mpi/mpi_number.h"
+#include "uil/uil_arrays_int.h"
 #include "uil/uil_objects_int.h"
 
 namespace {
@@ -96,11 +97,7 @@ uint32_t INTF_UIL_SetRemoteController(const char* source, uint32_t arrayId, bool
     if (record != nullptr) {
         char given[UIL_CFG_ITEM_VALUE_LEN];
         joinList(tpgIds, count, given, sizeof(given));
-        (void)memset_s(record, sizeof(*record), 0, sizeof(*record));
-        record->uiObjType = MPI_OBJ_ARRAY;
-        record->uiObjId = arrayId;
-        (void)snprintf_s(record->szValue, sizeof(record->szValue), sizeof(record->szValue) - 1, "%s,%s",
-                         remote ? "remote" : "local", given);
+        UIL_FillOperRecord(record, MPI_OBJ_ARRAY, arrayId, "%s,%s", remote ? "remote" : "local", given);
     }
     ArrayInfo array;
     uint32_t held[kMaxTpgs];
