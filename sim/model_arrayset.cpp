@@ -259,7 +259,8 @@ uint32_t HandleCtrlIoSuspension(SimContext& ctx, SimPayload& p)
     if (ms == 0) {
         v.erase("io_suspension");
     } else {
-        v["io_suspension"] = {{"timeout_seconds", (ms + 999) / 1000}, {"since", static_cast<uint64_t>(ctx.now())}};
+        uint64_t seconds = (static_cast<uint64_t>(ms) + 999) / 1000;
+        v["io_suspension"] = {{"timeout_seconds", seconds}, {"since", static_cast<uint64_t>(ctx.now())}};
     }
     return kResultSuccess;
 }

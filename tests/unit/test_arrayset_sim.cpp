@@ -178,6 +178,11 @@ TEST_F(ArraySet, ManualSuspensionShowsInTheVLunInfoUntilEnded)
     EXPECT_LE(remain, 60000u);
     ASSERT_EQ(INTF_UIL_CtrlIOSus("CLI", 5, 0), 1024u);
     EXPECT_EQ(suspension(5).first, 0u);
+    // The longest the driver keeps, and one millisecond more.
+    ASSERT_EQ(INTF_UIL_CtrlIOSus("CLI", 5, 4294967000u), 1024u);
+    EXPECT_EQ(suspension(5).first, 4294967000u);
+    EXPECT_EQ(INTF_UIL_CtrlIOSus("CLI", 5, 4294967001u), 1u);
+    ASSERT_EQ(INTF_UIL_CtrlIOSus("CLI", 5, 0), 1024u);
 
     ASSERT_EQ(INTF_UIL_CtrlIOSus("CLI", 4, 120000), 1024u);
     ASSERT_EQ(INTF_UIL_TurnOffIoSuspension(8), 1024u);  // disk 8 is VLUN 4's
