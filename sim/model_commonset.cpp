@@ -3,6 +3,7 @@
 // code twice, as the frame's result and as the payload's result word at 4;
 // a sub-command carried out reads 1024 in the frame and 0 in the word.
 // A sub-command the model does not know is refused with 1026.
+#include "model_arrays.h"
 #include "model_pathset.h"
 
 #include <array>
@@ -17,9 +18,14 @@ constexpr std::array kSubCommands = {
     SimSubCommandRow{26, HandleSubPhyPathState},
     SimSubCommandRow{27, HandleSubPhyPathError},
     SimSubCommandRow{28, HandleSubPhyPathCheck},
+    SimSubCommandRow{42, HandleSubTpgState},
+    SimSubCommandRow{43, HandleSubTrespassDelay},
+    SimSubCommandRow{44, HandleSubBusyDelay},
     SimSubCommandRow{45, HandleSubSendIoDelay},
     SimSubCommandRow{50, HandleSubClearObsolete},
+    SimSubCommandRow{51, HandleSubArrayCapability},
     SimSubCommandRow{52, HandleSubPathIoLag},
+    SimSubCommandRow{57, HandleSubPotentialSwitch},
 };
 
 }  // namespace

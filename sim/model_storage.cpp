@@ -7,6 +7,7 @@
 // disk or a controller; the payload is then left as it came.
 #include <algorithm>
 
+#include "model_arrays.h"
 #include "model_objects.h"
 
 namespace cvsim {
@@ -245,7 +246,7 @@ uint32_t HandleTpgInfo(SimContext& ctx, SimPayload& p)
         return kResultNoObject;
     }
     p.setU32(kTpgState, c->enabled ? kTpgEnabled : kTpgDisabled);
-    p.setU8(kTpgRemote, c->remote ? 1 : 0);
+    p.setU8(kTpgRemote, c->remote || XvaRemote(ctx.driver(), *a, c->id) ? 1 : 0);
     return AnswerIdList(p, kTpgPaths, c->paths);
 }
 

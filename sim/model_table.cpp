@@ -3,6 +3,8 @@
 // not match its row is refused, which catches a wrong code in the program.
 #include "model.h"
 #include "model_objects.h"
+#include "model_arrays.h"
+#include "model_io.h"
 #include "model_pathset.h"
 
 #include <array>
@@ -24,8 +26,10 @@ constexpr std::array kRequests = {
     SimRequestRow{0x19, 20, HandleArrayVlunIds, 12},
     SimRequestRow{0x1f, 16, HandleLogicalPathIds, 8},
     SimRequestRow{0x20, 1080, HandleLogicalPathInfo, kNoCountField},
+    SimRequestRow{0x21, 320, HandlePathIoStat, kNoCountField},
     SimRequestRow{0x29, 20, HandlePhyPathIds, 12},
     SimRequestRow{0x2a, 1080, HandlePhyPathInfo, kNoCountField},
+    SimRequestRow{0x2b, 848, HandlePhyPathPerf, kNoCountField},
     SimRequestRow{0x2c, 848, HandleHbaPathIds, 4},
     SimRequestRow{0x3c, 16, HandleTpgIds, 8},
     SimRequestRow{0x3d, 28, HandleTpgInfo, 16},
@@ -45,6 +49,15 @@ constexpr std::array kRequests = {
     SimRequestRow{0x68, 80, HandleIoReliability, kNoCountField},
     SimRequestRow{0x69, 80, HandleClearIoCount, kNoCountField},
     SimRequestRow{0x6c, 1080, HandleClearPathStatistic, kNoCountField},
+    // Array-level requests and aggregated VLUNs (model_arrays.h).
+    SimRequestRow{0x45, 4, HandleTurnOffIoSuspension, kNoCountField},
+    SimRequestRow{0x51, 12, HandleRebalance, kNoCountField},
+    SimRequestRow{0x5b, 12, HandleAggreIds, 4},
+    SimRequestRow{0x5c, 16, HandleAggreInfo, 4},
+    SimRequestRow{0x5e, 28, HandleMigrateInfo, kNoCountField},
+    SimRequestRow{0x60, 12, HandleStartMigration, kNoCountField},
+    SimRequestRow{0x61, 84, HandleCtrlIoSuspension, kNoCountField},
+    SimRequestRow{0x6b, 16, HandlePerfRecord, kNoCountField},
 };
 
 }  // namespace

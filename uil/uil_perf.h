@@ -3,6 +3,8 @@
 // minima between recordings, and the periodic performance record.
 #pragma once
 
+#include "uil/uil_arrayset.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -214,15 +216,8 @@ void INTF_UIL_EnumeratePathPerfEnd(MPI_ListNode* head);
 // ---------------------------------------------------------------------------
 // Periodic performance record.
 
-struct UilPerfRecordSetting {
-    uint32_t enable;
-    uint32_t durationHours;
-    uint32_t startSec;  // wall-clock seconds at which recording was switched on
-    uint32_t value;
-};
-
-// The driver's performance-record setting (request 0x6b).
-uint32_t INTF_UIL_GetDriverPerfRecordInfo(UilPerfRecordSetting* out);
+// The driver's performance-record state is read by
+// INTF_UIL_GetDriverPerfRecordInfo (uil_arrayset.h).
 // Stores the switch ("1"/"0"), the duration in hours and the current time
 // as the start (low and high halves), stopping at the first failure.
 uint32_t INTF_UIL_SetPerfRecord(const char* source, uint32_t enable, uint32_t hours);
@@ -245,7 +240,7 @@ inline constexpr size_t UIL_PERF_LINE_SIZE = 1024;
 // library's clocks, and the record file beneath the performance log
 // directory. Tests replace the members they need to control.
 struct UilPerfRecordOps {
-    uint32_t (*getSetting)(UilPerfRecordSetting* out);
+    uint32_t (*getSetting)(UilDriverPerfRecord* out);
     uint32_t (*setPerfRecord)(const char* source, uint32_t enable, uint32_t hours);
     uint32_t (*samplePhyPaths)(MPI_ListNode* head);
     uint32_t (*sampleLogicPaths)(MPI_ListNode* head);

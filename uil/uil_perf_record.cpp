@@ -33,22 +33,6 @@ uint64_t UIL_GetMonotonicSec()
     return static_cast<uint64_t>(ts.tv_sec);
 }
 
-uint32_t INTF_UIL_GetDriverPerfRecordInfo(UilPerfRecordSetting* out)
-{
-    UIL_ASSERT(out != nullptr);
-    UiaPayload payload(uia_req::GetDriverPerfRecord.size);
-    uint32_t ret = UIA_Send(uia_req::GetDriverPerfRecord, payload);
-    if (ret != MPI_RET_SUCCESS) {
-        UIL_ERR("Query performance record info by ioctl fail. ret {%u}", ret);
-        return ret;
-    }
-    out->enable = payload.u32(wire::setting::kEnable);
-    out->durationHours = payload.u32(wire::setting::kDurationHours);
-    out->startSec = payload.u32(wire::setting::kStartSec);
-    out->value = payload.u32(wire::setting::kValue);
-    return MPI_RET_SUCCESS;
-}
-
 uint32_t INTF_UIL_SetPerfRecord(const char* source, uint32_t enable, uint32_t hours)
 {
     UIL_ASSERT(source != nullptr);
@@ -338,18 +322,18 @@ uint32_t INTF_UIL_PerformanceRecordLogicPath(UilPerfRecordContext* ctx, const ch
 uint32_t INTF_UIL_PerformanceRecord(UilPerfRecordContext* ctx)
 {
     UIL_ASSERT(ctx != nullptr);
-    UilPerfRecordSetting setting{};
+    UilDriverPerfRecord setting{};
     uint32_t ret = ctx->ops.getSetting(&setting);
     if (ret != MPI_RET_SUCCESS) {
         UIL_ERR("Get performance record setting fail. ret {%u}", ret);
         return ret;
     }
-    if (setting.enable != 1) {
+    if (setting.enabled != 1) {
         INTF_UIL_PerfListRelease(ctx);
         return MPI_RET_SUCCESS;
     }
     uint64_t wall = ctx->ops.wallSec();
-    uint64_t stopAt = uint64_t{setting.startSec} + uint64_t{setting.durationHours} * 3600;
+    uint64_t stopAt = uint64_t{setting.startSeconds} + uint64_t{setting.durationHours} * 3600;
     if (setting.durationHours != 0 && wall >= stopAt) {
         INTF_UIL_PerfListRelease(ctx);
         ret = ctx->ops.setPerfRecord("CLI", 0, setting.durationHours);

@@ -58,16 +58,5 @@ static_assert(logic::kSize == uia_req::GetPathIoStat.size);
 static_assert(logic::kCounters + kCounterCount * kU64 == logic::kExtra);
 static_assert(logic::kExtra + kU64 <= logic::kSize);
 
-// Performance-record setting (0x6b, 16 bytes).
-namespace setting {
-inline constexpr size_t kEnable = 0;
-inline constexpr size_t kDurationHours = 4;
-inline constexpr size_t kStartSec = 8;
-inline constexpr size_t kValue = 12;
-inline constexpr size_t kSize = 16;
-}  // namespace setting
-
-static_assert(setting::kSize == uia_req::GetDriverPerfRecord.size);
-static_assert(setting::kValue + 4 == setting::kSize);
 
 }  // namespace uil_perf_wire

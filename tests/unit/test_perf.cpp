@@ -541,7 +541,7 @@ const FakePath kLogical[] = {
 struct FakeHost {
     uint64_t mono = kStartMono;
     uint64_t wall = kWall;
-    UilPerfRecordSetting setting{1, 2, static_cast<uint32_t>(kWall - 100), 0};
+    UilDriverPerfRecord setting{1, 2, static_cast<uint32_t>(kWall - 100)};
     uint32_t settingRet = MPI_RET_SUCCESS;
     uint32_t sampleRet = MPI_RET_SUCCESS;
     uint32_t setCalls = 0;
@@ -572,7 +572,7 @@ uint32_t sample(const FakePath* paths, size_t n, MPI_ListNode* head)
 }
 
 const UilPerfRecordOps kFakeOps{
-    [](UilPerfRecordSetting* out) {
+    [](UilDriverPerfRecord* out) {
         *out = g_host.setting;
         return g_host.settingRet;
     },
@@ -677,7 +677,7 @@ TEST_F(PerfRecord, WritesEachPeriodsAveragesWithMaxMinAndStartsAfresh)
 TEST_F(PerfRecord, StopsAtTheEndOfTheDurationWithAnOperationLogLine)
 {
     runUntil(kStartMono + 50);
-    g_host.wall = g_host.setting.startSec + 2 * 3600 - 1;
+    g_host.wall = g_host.setting.startSeconds + 2 * 3600 - 1;
     ASSERT_EQ(INTF_UIL_PerformanceRecord(&ctx), MPI_RET_SUCCESS);
     EXPECT_EQ(g_host.setCalls, 0u);
     EXPECT_GT(listed(), 0u);
@@ -715,7 +715,7 @@ TEST_F(PerfRecord, DisabledOrUnreadableSettingAndFailedSamples)
         bool listsKept;
     };
     const Case cases[] = {
-        {"recording off releases the lists", [] { g_host.setting.enable = 0; }, MPI_RET_SUCCESS, false},
+        {"recording off releases the lists", [] { g_host.setting.enabled = 0; }, MPI_RET_SUCCESS, false},
         {"no duration never stops", [] {
              g_host.setting.durationHours = 0;
              g_host.wall = kWall + 100 * 3600;
