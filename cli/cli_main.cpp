@@ -15,6 +15,7 @@
 
 #include "bounded/bounded.h"
 #include "cli/cli.h"
+#include "cli/cli_operlog.h"
 #include "cli/cli_command.h"
 #include "mpi/mpi_root.h"
 #include "uil/uil.h"
@@ -201,6 +202,9 @@ uint32_t MPCLI_Init(int argc, char** argv)
         return MPI_RET_SUCCESS;
     }
     MPCLI_Print("Unable to detect Corvane device node, exit\n");
+    if (*INTF_UIL_LastFileError() != '\0') {
+        std::fprintf(stderr, "cvadm: %s\n", INTF_UIL_LastFileError());
+    }
     if (!restoreSigint()) {
         MPCLI_Print("Unable to set the signal, exit\n");
     }
@@ -339,7 +343,9 @@ uint8_t MPCLI_NewCmd(uint32_t argc, char** argv)
         --argc;
         ++argv;
     }
-    return MPCLI_Dispatch(argv[0], argc, argv, g_stCLIOptionsType);
+    const uint8_t result = MPCLI_Dispatch(argv[0], argc, argv, g_stCLIOptionsType);
+    // A change whose log line could not be written has not fully happened.
+    return MPCLI_TakeOperLogFailure() ? static_cast<uint8_t>(MPCLI_RESULT_FAIL) : result;
 }
 
 // ---------------------------------------------------------------------------

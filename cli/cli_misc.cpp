@@ -142,6 +142,8 @@ void MPCLI_PrintfInternalErrorInfo(uint32_t code)
     if (code == UIL_RET_CFG_LOAD_FAIL) {
         std::fprintf(stderr, "cvadm: the configuration file %s is missing or cannot be parsed.\n",
                      UIL_CfgFilePath());
+    } else if (*INTF_UIL_LastFileError() != '\0') {
+        std::fprintf(stderr, "cvadm: %s\n", INTF_UIL_LastFileError());
     }
 }
 

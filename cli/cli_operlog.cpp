@@ -1,15 +1,19 @@
 #include "cli/cli_operlog.h"
 
+#include <cstdio>
 #include <string>
 
 #include "bounded/bounded.h"
 #include "cli/cli.h"
+#include "uil/uil.h"
 
 namespace {
 
 constexpr const char kSource[] = "CLI";
 // Seven words of at most 63 characters, each with its blank.
 constexpr size_t kCommandLen = 7 * 64 + 1;
+
+bool g_bOperLogFailed = false;
 
 }  // namespace
 
@@ -34,7 +38,22 @@ void MPCLI_OperLog(const char* verb, uint32_t argc, char** argv, uint32_t eventI
 {
     char command[kCommandLen];
     MPCLI_BuildCommandText(argc, argv, command, sizeof(command));
-    if (UIL_OperLog(kSource, verb, command, eventId, result, record) == UIL_OPERLOG_OPEN_FAIL) {
+    const uint32_t ret = UIL_OperLog(kSource, verb, command, eventId, result, record);
+    if (ret == MPI_RET_SUCCESS) {
+        return;
+    }
+    if (ret == UIL_OPERLOG_OPEN_FAIL) {
         MPCLI_Print("Warn: Open oper log file fail.\n");
     }
+    const char* cause = INTF_UIL_LastFileError();
+    std::fprintf(stderr, "cvadm: the operation log line was not written%s%s\n", *cause != '\0' ? ": " : ".",
+                 cause);
+    g_bOperLogFailed = true;
+}
+
+bool MPCLI_TakeOperLogFailure()
+{
+    const bool failed = g_bOperLogFailed;
+    g_bOperLogFailed = false;
+    return failed;
 }

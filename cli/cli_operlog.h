@@ -12,7 +12,12 @@ void MPCLI_BuildCommandText(uint32_t argc, char** argv, char* out, size_t size);
 
 // Writes the line for a command of the shell (source "CLI"): `verb` ("set",
 // "clear", ...), the words after the verb, the event, the result flag (1
-// succeeded, 0 failed) and the record (null: an all-zero record). A log
-// that cannot be opened costs the operator a warning, never the command.
+// succeeded, 0 failed) and the record (null: an all-zero record). A line
+// that cannot be written is said on standard error with its cause, and the
+// command then fails: a change must never pass unrecorded in silence.
 void MPCLI_OperLog(const char* verb, uint32_t argc, char** argv, uint32_t eventId, uint8_t result,
                    const UilOperLogPara* record);
+
+// True once since the last call when an operation-log line of the current
+// command could not be written; the shell turns the command into a failure.
+bool MPCLI_TakeOperLogFailure();
