@@ -39,7 +39,7 @@ void MPCLI_OperLog(const char* verb, uint32_t argc, char** argv, uint32_t eventI
     char command[kCommandLen];
     MPCLI_BuildCommandText(argc, argv, command, sizeof(command));
     const uint32_t ret = UIL_OperLog(kSource, verb, command, eventId, result, record);
-    if (ret == MPI_RET_SUCCESS) {
+    if (ret == MPI_RET_SUCCESS || ret == UIL_OPERLOG_SWITCHED_OFF) {
         return;
     }
     if (ret == UIL_OPERLOG_OPEN_FAIL) {

@@ -124,6 +124,7 @@ UilFd openSerialFile(const std::string& path)
         }
         MPI_MakeLogDir();
     }
+    errno = ENOENT;
     return UilFd();
 }
 
@@ -293,8 +294,10 @@ uint32_t UIL_IncreaseAndGetOperSN(uint32_t* serial)
     std::string path = serialPath();
     UilFd fd = openSerialFile(path);
     if (!fd.valid()) {
-        UIL_ERR("Open file [%s] failed: %s", path.c_str(), std::strerror(errno));
-        return MPI_RET_FAIL;
+        const int err = errno;
+        UIL_ERR("Open file [%s] failed: %s", path.c_str(), std::strerror(err));
+        // A host without the serial file keeps no operation log at all.
+        return err == ENOENT ? MPI_RET_NOT_FOUND : MPI_RET_FAIL;
     }
     fd.reset();  // it exists; the lock file is made only then
     UilFd lock = lockSerial(path);
@@ -339,7 +342,11 @@ uint32_t UIL_OperLog(const char* source, const char* verb, const char* command, 
     char date[kDateLen] = {};
     UIL_GetDate(date, sizeof(date));
     uint32_t serial = 0;
-    if (UIL_IncreaseAndGetOperSN(&serial) != MPI_RET_SUCCESS) {
+    const uint32_t taken = UIL_IncreaseAndGetOperSN(&serial);
+    if (taken == MPI_RET_NOT_FOUND) {
+        return UIL_OPERLOG_SWITCHED_OFF;
+    }
+    if (taken != MPI_RET_SUCCESS) {
         if (*INTF_UIL_LastFileError() == '\0') {
             UIL_FileErrorNote(serialPath().c_str(), "no serial number could be taken");
         }

@@ -207,12 +207,16 @@ extern const std::array<UilStrConvert, 2> g_astUILEnableDisableConvert;
 // Result of UIL_OperLog when the log file cannot be opened (the shell warns
 // the operator), and of the enumeration when the log cannot be read.
 inline constexpr uint32_t UIL_OPERLOG_OPEN_FAIL = 25;
+// Result of UIL_OperLog on a host without the serial number file: such a
+// host keeps no operation log, so nothing is written and nothing failed.
+inline constexpr uint32_t UIL_OPERLOG_SWITCHED_OFF = 2;
 
 // Writes one line, appended in one write() so that a line is never torn.
 // `source` is required ("CLI"); `verb` and `command` are joined without a
 // separator; `record` may be null (an all-zero record). 1024; 25 when the
-// log cannot be opened (after 20 attempts one second apart); 1030 when no
-// serial number could be had (nothing written). Never fails the command.
+// log cannot be opened (after 20 attempts one second apart); 2 when the
+// host has no serial number file (no log kept); 1030 when the serial number
+// or the line could not be written (the cause in INTF_UIL_LastFileError).
 uint32_t UIL_OperLog(const char* source, const char* verb, const char* command, uint32_t eventId, uint8_t result,
                      const UilOperLogPara* record);
 

@@ -326,7 +326,7 @@ TEST(OperSerialFile, MissingFileIsNotCreated)
     sandbox();
     fs::remove(serialFile());
     uint32_t serial = 7;
-    EXPECT_EQ(UIL_IncreaseAndGetOperSN(&serial), MPI_RET_FAIL);
+    EXPECT_EQ(UIL_IncreaseAndGetOperSN(&serial), MPI_RET_NOT_FOUND);
     EXPECT_EQ(serial, 7u);
     EXPECT_FALSE(fs::exists(serialFile()));
     EXPECT_EQ(UIL_IncreaseAndGetOperSN(nullptr), MPI_RET_INVALID_PARAM);
@@ -390,7 +390,7 @@ TEST_F(OperLogFile, MissingLogDirectoryIsCreated)
     fs::remove_all(logDir());
     // The directory and the log are made, but without the serial file
     // there is no line.
-    EXPECT_EQ(UIL_OperLog("CLI", "set", " x", 0x53415111, 1, nullptr), MPI_RET_FAIL);
+    EXPECT_EQ(UIL_OperLog("CLI", "set", " x", 0x53415111, 1, nullptr), UIL_OPERLOG_SWITCHED_OFF);
     EXPECT_TRUE(fs::is_directory(logDir()));
     EXPECT_EQ(readAll(operLog()), "");
     writeFile(serialFile(), "1");
