@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/cli.h"
+#include "cli/cli_grid.h"
 #include "cli/cli_objects.h"
 #include "cli/cli_print.h"
 #include "cli/cli_token.h"
@@ -45,17 +46,16 @@ uint8_t printInvalidUsage()
 // ---------------------------------------------------------------------------
 // Table.
 
-std::string displayName(const ArrayInfo& array)
+void addArrayRow(MPCLI_Grid& grid, const ArrayInfo& array)
 {
     char name[kNameCut + 1] = {};
     MPCLI_ConvertArrayName(array.name, name, sizeof(name));
     MPCLI_ClearStrEndSpace(name);
-    return name;
-}
-
-MPCLI_TableRow arrayRow(const ArrayInfo& array)
-{
-    return {std::to_string(array.arrayId), displayName(array), array.sn, array.vendor, array.product};
+    grid.addU32(array.arrayId);
+    grid.add(name);
+    grid.add(array.sn);
+    grid.add(array.vendor);
+    grid.add(array.product);
 }
 
 uint8_t showArrayTable()
@@ -70,12 +70,12 @@ uint8_t showArrayTable()
         MPCLI_Print("Can't lookup any arrays information\n");
         return MPCLI_RESULT_FAIL;
     }
-    std::vector<MPCLI_TableRow> rows;
+    MPCLI_Grid grid(kArrayColumns.size());
     for (const MPI_ListNode* node = arrays.next; node != &arrays; node = node->next) {
-        rows.push_back(arrayRow(*MPCLI_ListRecord<ArrayInfo>(node)));
+        addArrayRow(grid, *UIL_ListEntry<ArrayInfo>(node));
     }
     INTF_UIL_EnumerateArrayEnd(&arrays);
-    MPCLI_PrintTable(arrayLayout(), rows);
+    MPCLI_WriteGrid(arrayLayout(), grid);
     return MPCLI_RESULT_OK;
 }
 
@@ -104,7 +104,7 @@ void printController(const ArrayInfo& array, const UilController& controller, Ui
     MPCLI_Print("       LunCount: %u\n", controller.lunCount);
     MPCLI_Print("       PathInfo: \n");
     for (const MPI_ListNode* node = controller.paths.next; node != &controller.paths; node = node->next) {
-        const UilPathInfo* path = MPCLI_ListRecord<UilPathInfo>(node);
+        const UilPathInfo* path = UIL_ListEntry<UilPathInfo>(node);
         if (path->lunCount != 0) {
             MPCLI_Print("                Path%u: %s\n", path->pathId, path->pathState);
         }
@@ -121,7 +121,7 @@ void MPCLI_PrintArraysForDetail(const ArrayInfo& array)
     MPCLI_Print("Product Name   : %s\n", array.product);
     UilControllerNamer namer;
     for (const MPI_ListNode* node = array.controllers.next; node != &array.controllers; node = node->next) {
-        const UilController* controller = MPCLI_ListRecord<UilController>(node);
+        const UilController* controller = UIL_ListEntry<UilController>(node);
         if (controller->lunCount != 0) {
             printController(array, *controller, namer);
         }

@@ -4,7 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
-// Capacity text of a byte count: whole KB first, then moved up a unit
+// Capacity text of a byte count (whole numbers where exact, so a listing
+// pays no floating point per row): whole KB first, then moved up a unit
 // (MB, GB, TB, PB) for as long as the value stays at least 1 with no more
 // than two decimals; printed "%.2f" followed by the unit.
 void MPCLI_PrintCapacity(char* out, size_t outSize, uint64_t bytes);

@@ -68,6 +68,11 @@ void MPCLI_AppendGridRow(std::string& line, const MPCLI_TableLayout& layout, con
 void MPCLI_WriteGrid(MPCLI_TableLayout& layout, const MPCLI_Grid& grid)
 {
     MPCLI_MeasureGrid(layout, grid);
+    MPCLI_WriteMeasuredGrid(layout, grid);
+}
+
+void MPCLI_WriteMeasuredGrid(const MPCLI_TableLayout& layout, const MPCLI_Grid& grid)
+{
     std::string line;
     line.reserve(layout.dashLength() + 1);
     MPCLI_AppendDash(line, layout);

@@ -29,6 +29,7 @@ public:
     void addU32(uint32_t value);
 
     size_t columns() const { return m_columns; }
+    size_t cellCount() const { return m_ends.size(); }
     size_t rows() const { return m_columns == 0 ? 0 : m_ends.size() / m_columns; }
     std::string_view cell(size_t row, size_t column) const
     {
@@ -54,6 +55,9 @@ void MPCLI_AppendDash(std::string& line, const MPCLI_TableLayout& layout);
 void MPCLI_AppendHeader(std::string& line, const MPCLI_TableLayout& layout);
 // Appends one row of the grid as a table line (missing cells blank).
 void MPCLI_AppendGridRow(std::string& line, const MPCLI_TableLayout& layout, const MPCLI_Grid& grid, size_t row);
+// Writes dash, header, rows and dash with the widths as they are (the caller
+// measured every cell already), one write per line, and flushes once.
+void MPCLI_WriteMeasuredGrid(const MPCLI_TableLayout& layout, const MPCLI_Grid& grid);
 // Measures, then writes dash, header, rows and dash, one write per line,
 // and flushes standard output once at the end.
 void MPCLI_WriteGrid(MPCLI_TableLayout& layout, const MPCLI_Grid& grid);

@@ -17,6 +17,7 @@
 #include "cli/cli.h"
 #include "cli/cli_operlog.h"
 #include "cli/cli_command.h"
+#include "cli/cli_out.h"
 #include "mpi/mpi_root.h"
 #include "uil/uil.h"
 
@@ -224,10 +225,11 @@ void MPCLI_Fini()
 
 void MPCLI_ControlC(int /*signo*/)
 {
-    // Only async-signal-safe calls here. Every message is flushed when it
-    // is printed and every log line closes its file, so nothing is pending:
-    // ending the process needs no more than releasing the device.
+    // Only async-signal-safe calls here. A listing may be half-way through
+    // its buffer: the complete lines go out, the unfinished one is dropped.
+    // Every log line closes its file, so nothing else is pending.
     if (g_uiCLIContrlCRef == 0) {
+        MPCLI_OutDrainOnSignal();
         (void)!write(STDOUT_FILENO, "\n", 1);
         INTF_UIL_ReleaseDevice();
         _exit(0);
@@ -270,6 +272,7 @@ char* MPCLI_Readline(const char* promptFormat, ...)
     (void)vsnprintf_s(s_line, sizeof(s_line), sizeof(s_line) - 1, promptFormat, args);
     va_end(args);
     MPCLI_Print("%s", s_line);
+    MPCLI_OutFlush();  // everything shown before the operator types
 
     size_t read = 0;
     int c = 0;
@@ -403,6 +406,9 @@ int MPCLI_Main(int argc, char** argv)
     // A reader that goes away must not end a change before its log line:
     // the write fails instead, and the exit status says so.
     (void)signal(SIGPIPE, SIG_IGN);
+    // The console lines of the lower layers (failed assertions, a trace log
+    // that cannot open) must come after what the shell already printed.
+    MPI_SetConsoleFlush(MPCLI_OutFlush);
     if (argv == nullptr) {
         std::printf("*** Assertion on file \"%s\" function \"%s\" line %d  exception \"%s\"\n", MPI_SRC_CLI_MAIN,
                     __func__, __LINE__, "argv != NULL");
@@ -429,7 +435,8 @@ int MPCLI_Main(int argc, char** argv)
         MPCLI_Fini();
     }
     INTF_UIL_CliEnd();
-    if (!stdoutUsable || std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    MPCLI_OutFlush();
+    if (!stdoutUsable || MPCLI_OutFailed() || std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         std::fprintf(stderr, "cvadm: write error on standard output\n");
         return 1;
     }

@@ -7,6 +7,7 @@
 #include "cli/cli.h"
 #include "cli/cli_helptext.h"
 #include "cli/cli_operlog.h"
+#include "cli/cli_out.h"
 #include "uil/uil.h"
 #include "uil/uil_cfg.h"
 #include "uil/uil_status.h"
@@ -60,7 +61,12 @@ void printDashLine()
     MPCLI_Print("%s", line);
 }
 
-void printText(const char* text) { MPCLI_Print("%s", text); }
+// The host scripts' lines: each one is out before the next script starts.
+void printText(const char* text)
+{
+    MPCLI_Print("%s", text);
+    MPCLI_OutFlush();
+}
 
 void printStatusSection()
 {
@@ -202,9 +208,11 @@ uint8_t MPCLI_CheckStatus(uint32_t argc, char** /*argv*/)
     printStatusSection();
     printDashLine();
     MPCLI_Print("Checking environment and config:\n");
+    MPCLI_OutFlush();  // the checks run child processes that share our stdout
     INTF_UIL_CheckConfig(printText);
     printDashLine();
     MPCLI_Print("Checking HBA Information:\n");
+    MPCLI_OutFlush();
     INTF_UIL_CheckHBAConfig(printText);
     printDashLine();
     return MPCLI_RESULT_OK;

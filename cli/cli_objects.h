@@ -19,15 +19,6 @@ uint8_t MPCLI_ShowPath(uint32_t argc, char** argv);
 uint32_t MPCLI_strFormatControllerId(uint32_t arrayId, uint32_t controllerId, uint32_t capability, char* out,
                                      size_t outSize);
 
-// The record of a list node; the records of the object layer open with
-// their `links`.
-template <typename T>
-const T* MPCLI_ListRecord(const MPI_ListNode* node)
-{
-    static_assert(offsetof(T, links) == 0, "records open with their links");
-    return reinterpret_cast<const T*>(node);
-}
-
 // One path of a disk's detail, "Path %u [h:c:t:l] (dev)" then "  : state".
 // `indent` blanks open the line (the aggregated members indent theirs).
 void MPCLI_PrintDiskPath(const UilPathInfo& path, uint32_t indent);

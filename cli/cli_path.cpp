@@ -9,6 +9,7 @@
 #include "bounded/bounded.h"
 #include "cli/cli.h"
 #include "cli/cli_command.h"
+#include "cli/cli_grid.h"
 #include "cli/cli_objects.h"
 #include "cli/cli_print.h"
 #include "cli/cli_token.h"
@@ -85,23 +86,28 @@ MPCLI_TableLayout& pathLayout()
     return layout;
 }
 
-MPCLI_TableRow pathRow(const UilPathInfo& path, UilControllerNamer& namer)
+// Appends one path's row to the grid and grows the widths to fit it. Every
+// cell sets its column's width, except the controller's: that column is as
+// wide as the plain print name of the controller, whatever name the cell
+// shows.
+void addPathRow(MPCLI_Grid& grid, MPCLI_TableLayout& layout, const UilPathInfo& path, UilControllerNamer& namer)
 {
+    const size_t first = grid.cellCount();
     char controller[UIL_CONTROLLER_NAME_SIZE] = {};
     (void)namer.format(path.arrayId, path.controllerId, path.arrayFlags, controller, sizeof(controller));
-    return {std::to_string(path.pathId), path.initiatorPort,   path.arrayName,
-            controller,                  path.targetPort,      path.pathState,
-            checkStateText(path),        portTypeText(path.portType), portIdText(path)};
-}
-
-// Every cell sets its column's width, except the controller's: that column
-// is as wide as the plain print name of the controller, whatever name the
-// cell shows.
-void measurePathRow(MPCLI_TableLayout& layout, const UilPathInfo& path, const MPCLI_TableRow& row)
-{
-    for (size_t column = 0; column < row.size(); ++column) {
+    grid.addU32(path.pathId);
+    grid.add(path.initiatorPort);
+    grid.add(path.arrayName);
+    grid.add(controller);
+    grid.add(path.targetPort);
+    grid.add(path.pathState);
+    grid.add(checkStateText(path));
+    grid.add(portTypeText(path.portType));
+    grid.add(portIdText(path));
+    const size_t row = first / grid.columns();
+    for (size_t column = 0; column < grid.columns(); ++column) {
         if (column != kColController) {
-            layout.measureCell(column, row[column].size());
+            layout.measureCell(column, grid.cell(row, column).size());
         }
     }
     char printName[UIL_CONTROLLER_NAME_SIZE] = {};
@@ -109,27 +115,20 @@ void measurePathRow(MPCLI_TableLayout& layout, const UilPathInfo& path, const MP
     layout.measureCell(kColController, std::strlen(printName));
 }
 
-// One array's paths: heading, rows, closing dash line. Returns the number
-// of rows printed.
+// One array's paths: heading, rows, closing dash line, flushed once.
+// Returns the number of rows printed.
 size_t printPathList(const MPI_ListNode& paths, UilControllerNamer& namer)
 {
     MPCLI_TableLayout& layout = pathLayout();
-    std::vector<MPCLI_TableRow> rows;
+    MPCLI_Grid grid(kPathColumns.size());
     for (const MPI_ListNode* node = paths.next; node != &paths; node = node->next) {
-        const UilPathInfo* path = MPCLI_ListRecord<UilPathInfo>(node);
-        rows.push_back(pathRow(*path, namer));
-        measurePathRow(layout, *path, rows.back());
+        addPathRow(grid, layout, *UIL_ListEntry<UilPathInfo>(node), namer);
     }
-    if (rows.empty()) {
+    if (grid.rows() == 0) {
         return 0;
     }
-    MPCLI_PrintTableDash(layout);
-    MPCLI_PrintTableHeader(layout);
-    for (const MPCLI_TableRow& row : rows) {
-        MPCLI_PrintTableRow(layout, row);
-    }
-    MPCLI_PrintTableDash(layout);
-    return rows.size();
+    MPCLI_WriteMeasuredGrid(layout, grid);
+    return grid.rows();
 }
 
 uint8_t showPathsOfArray(uint32_t arrayId)
@@ -155,11 +154,14 @@ uint8_t MPCLI_ShowPathAll()
 {
     uint32_t arrayIds[UIL_MAX_ARRAYS] = {};
     uint32_t arrays = 0;
-    if (INTF_UIL_EnumerateArrayIds(arrayIds, UIL_MAX_ARRAYS, &arrays) != MPI_RET_SUCCESS) {
+    uint32_t reported = 0;
+    if (INTF_UIL_EnumerateArrayIdsCounted(arrayIds, UIL_MAX_ARRAYS, &arrays, &reported) != MPI_RET_SUCCESS) {
         UIL_ERR("Enumerate array ids fail");
         return MPCLI_RESULT_FAIL;
     }
-    if (arrays == 0 || arrays > UIL_MAX_ARRAYS) {
+    // The driver's own count decides: one above what it may hold means its
+    // answer cannot be trusted, even though the IDs were clamped.
+    if (reported == 0 || reported > UIL_MAX_ARRAYS || arrays == 0) {
         MPCLI_Print("Can't find any path.\n");
         return MPCLI_RESULT_OK;
     }

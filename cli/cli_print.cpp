@@ -9,6 +9,8 @@
 
 #include "bounded/bounded.h"
 #include "cli/cli.h"
+#include "cli/cli_grid.h"
+#include "cli/cli_out.h"
 #include "mpi/mpi_usr.h"
 
 namespace {
@@ -17,21 +19,42 @@ constexpr uint32_t kCellPad = 2;  // a cell is its column width plus 2
 
 uint32_t textLength(const char* text) { return static_cast<uint32_t>(std::strlen(text)); }
 
+// A frame line: formatted once, written without a flush (it belongs to the
+// table around it, which flushes at its end).
 void printLine(char c, uint32_t length)
 {
-    const std::string line(length, c);
-    MPCLI_Print("%s\n", line.c_str());
+    std::string line(length, c);
+    line.push_back('\n');
+    MPCLI_OutWrite(line.data(), line.size());
+}
+
+void appendCentred(std::string& line, const char* text, uint32_t fieldWidth)
+{
+    MPCLI_AppendCentred(line, std::string_view(text), fieldWidth);
 }
 
 }  // namespace
 
 void MPCLI_Print(const char* fmt, ...)
 {
+    // Most messages fit the stack buffer; a longer one is formatted again
+    // into one of its exact size, so it still goes out in one piece.
+    char small[512];
     va_list args;
     va_start(args, fmt);
-    std::vprintf(fmt, args);
+    va_list again;
+    va_copy(again, args);
+    const int length = std::vsnprintf(small, sizeof(small), fmt, args);
     va_end(args);
-    std::fflush(stdout);
+    if (length > 0 && static_cast<size_t>(length) < sizeof(small)) {
+        MPCLI_OutWrite(small, static_cast<size_t>(length));
+    } else if (length > 0) {
+        std::string big(static_cast<size_t>(length) + 1, '\0');
+        (void)std::vsnprintf(big.data(), big.size(), fmt, again);
+        MPCLI_OutWrite(big.data(), static_cast<size_t>(length));
+    }
+    va_end(again);
+    MPCLI_OutFlush();
 }
 
 void MPCLI_ClearStrEndSpace(char* str)
@@ -46,10 +69,11 @@ void MPCLI_ClearStrEndSpace(char* str)
 void MPCLI_PrintCentred(const char* text, uint32_t fieldWidth)
 {
     CLI_ASSERT(text != nullptr);
-    const uint32_t length = textLength(text);
-    const uint32_t spare = fieldWidth > length ? fieldWidth - length : 0;
-    const uint32_t left = spare / 2;
-    MPCLI_Print("%*s%s%*s", static_cast<int>(left), "", text, static_cast<int>(spare - left), "");
+    // A cell is not a message of its own: it waits in the buffer for the
+    // end of its line.
+    std::string cell;
+    appendCentred(cell, text, fieldWidth);
+    MPCLI_OutWrite(cell.data(), cell.size());
 }
 
 void MPCLI_CoutStrInMiddleSpace(const char* text, uint32_t width) { MPCLI_PrintCentred(text, width + kCellPad); }
@@ -103,18 +127,19 @@ void MPCLI_PrintTableDash(const MPCLI_TableLayout& layout) { MPCLI_PrintDash(lay
 
 void MPCLI_PrintTableHeader(const MPCLI_TableLayout& layout)
 {
-    for (size_t i = 0; i < layout.columnCount(); ++i) {
-        MPCLI_CoutStrInMiddleSpace(layout.header(i), layout.width(i));
-    }
-    MPCLI_Print("\n");
+    std::string line;
+    MPCLI_AppendHeader(line, layout);
+    MPCLI_OutWrite(line.data(), line.size());
 }
 
 void MPCLI_PrintTableRow(const MPCLI_TableLayout& layout, std::span<const std::string> row)
 {
+    std::string line;
     for (size_t i = 0; i < layout.columnCount(); ++i) {
-        MPCLI_CoutStrInMiddleSpace(i < row.size() ? row[i].c_str() : "", layout.width(i));
+        appendCentred(line, i < row.size() ? row[i].c_str() : "", layout.width(i) + kCellPad);
     }
-    MPCLI_Print("\n");
+    line.push_back('\n');
+    MPCLI_OutWrite(line.data(), line.size());
 }
 
 void MPCLI_PrintTable(MPCLI_TableLayout& layout, std::span<const MPCLI_TableRow> rows)
@@ -128,4 +153,5 @@ void MPCLI_PrintTable(MPCLI_TableLayout& layout, std::span<const MPCLI_TableRow>
         MPCLI_PrintTableRow(layout, row);
     }
     MPCLI_PrintTableDash(layout);
+    MPCLI_OutFlush();
 }

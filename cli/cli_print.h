@@ -20,14 +20,16 @@ void MPCLI_ClearStrEndSpace(char* str);
 // Prints `text` centred in a field of `fieldWidth` characters: the left pad
 // is (fieldWidth - length) / 2 blanks, the right pad takes the rest, so an
 // odd leftover blank goes to the right. A text longer than the field is
-// printed whole, without padding.
+// printed whole, without padding. A cell is buffered, not flushed: the
+// message that ends its line flushes it.
 void MPCLI_PrintCentred(const char* text, uint32_t fieldWidth);
 
 // Prints `text` as a table cell of column width `width`: centred in
 // width + 2 (see MPCLI_PrintCentred).
 void MPCLI_CoutStrInMiddleSpace(const char* text, uint32_t width);
 
-// A line of `length` "-" (resp. "=") characters and a newline.
+// A line of `length` "-" (resp. "=") characters and a newline, written
+// whole and left for the next message or flush to send out.
 void MPCLI_PrintDash(uint32_t length);
 void MPCLI_PrintDoubleDash(uint32_t length);
 
@@ -73,10 +75,13 @@ private:
 using MPCLI_TableRow = std::vector<std::string>;
 
 // Building blocks, for tables printed piecewise (a heading per group, ...).
+// Each writes its line whole but does not flush: the table's last line is
+// followed by MPCLI_OutFlush or by a message (MPCLI_Print flushes).
 void MPCLI_PrintTableDash(const MPCLI_TableLayout& layout);
 void MPCLI_PrintTableHeader(const MPCLI_TableLayout& layout);
 // Missing cells print blank; cells beyond the last column are ignored.
 void MPCLI_PrintTableRow(const MPCLI_TableLayout& layout, std::span<const std::string> row);
 
-// Measures every row, then prints: dash line, headers, rows, dash line.
+// Measures every row, then prints: dash line, headers, rows, dash line;
+// flushed once at the end.
 void MPCLI_PrintTable(MPCLI_TableLayout& layout, std::span<const MPCLI_TableRow> rows);

@@ -10,6 +10,7 @@
 #include "cli/cli.h"
 #include "cli/cli_capacity.h"
 #include "cli/cli_command.h"
+#include "cli/cli_grid.h"
 #include "cli/cli_objects.h"
 #include "cli/cli_print.h"
 #include "cli/cli_token.h"
@@ -120,7 +121,17 @@ MPCLI_TableLayout& vlunLayout()
     return layout;
 }
 
-size_t digits(uint32_t value) { return std::to_string(value).size(); }
+size_t digits(uint32_t value)
+{
+    size_t count = 1;
+    for (; value >= 10; value /= 10) {
+        ++count;
+    }
+    return count;
+}
+
+// Text of a typical row, to size the grid once.
+constexpr size_t kVLunRowBytes = 96;
 
 size_t textLength(const char* text) { return text == nullptr ? 0 : std::strlen(text); }
 
@@ -140,16 +151,26 @@ void MPCLI_CalcVLunFieldLen(MPCLI_TableLayout& layout, const std::vector<const V
     }
 }
 
-std::string controllerCell(const VLunInfo& v, uint32_t slot, UilControllerNamer& namer)
+// "owning/working" into `out`; one name lookup when both are the same
+// controller (the usual case).
+std::string_view controllerCell(const VLunInfo& v, uint32_t slot, UilControllerNamer& namer, char* out, size_t size)
 {
     if ((v.capability[slot] & UIL_CAP_HIDE_CONTROLLERS) != 0) {
-        return std::string(kNone) + "/" + kNone;
+        return "--/--";
     }
     char owning[UIL_CONTROLLER_NAME_SIZE] = {};
-    char working[UIL_CONTROLLER_NAME_SIZE] = {};
     (void)namer.format(v.arrayId[slot], v.owningController[slot], v.capability[slot], owning, sizeof(owning));
-    (void)namer.format(v.arrayId[slot], v.workingController[slot], v.capability[slot], working, sizeof(working));
-    return std::string(owning) + "/" + working;
+    const size_t owningLength = std::strlen(owning);
+    std::memcpy(out, owning, owningLength);
+    out[owningLength] = '/';
+    char* const working = out + owningLength + 1;
+    const size_t room = size - owningLength - 1;
+    if (v.workingController[slot] == v.owningController[slot]) {
+        std::memcpy(working, owning, owningLength);
+        return std::string_view(out, 2 * owningLength + 1);
+    }
+    (void)namer.format(v.arrayId[slot], v.workingController[slot], v.capability[slot], working, room);
+    return std::string_view(out, owningLength + 1 + std::strlen(working));
 }
 
 std::string capacityText(uint64_t bytes)
@@ -159,38 +180,55 @@ std::string capacityText(uint64_t bytes)
     return text;
 }
 
-MPCLI_TableRow MPCLI_PrintVlunsInfoEach(const VLunInfo& v, uint32_t slot, UilControllerNamer& namer)
+void MPCLI_PrintVlunsInfoEach(MPCLI_Grid& grid, const VLunInfo& v, uint32_t slot, UilControllerNamer& namer)
 {
-    return {std::to_string(v.vlunId),
-            v.deviceName,
-            v.name[slot],
-            v.lunWwn,
-            v.status[slot] != nullptr ? v.status[slot] : "",
-            capacityText(v.capacity[slot]),
-            controllerCell(v, slot, namer),
-            v.arrayName[slot],
-            v.devLunIdValid[slot] != 0 ? std::to_string(v.devLunId[slot]) : kNone};
+    grid.addU32(v.vlunId);
+    grid.add(v.deviceName);
+    grid.add(v.name[slot]);
+    grid.add(v.lunWwn);
+    grid.add(v.status[slot] != nullptr ? v.status[slot] : "");
+    char capacity[64];
+    MPCLI_PrintCapacity(capacity, sizeof(capacity), v.capacity[slot]);
+    grid.add(capacity);
+    char controllers[2 * UIL_CONTROLLER_NAME_SIZE];
+    grid.add(controllerCell(v, slot, namer, controllers, sizeof(controllers)));
+    grid.add(v.arrayName[slot]);
+    if (v.devLunIdValid[slot] != 0) {
+        grid.addU32(v.devLunId[slot]);
+    } else {
+        grid.add(kNone);
+    }
 }
 
-// One array's table; a dual-site VLUN shows its member in that array.
+// One array's table; a dual-site VLUN shows its member in that array. Rows
+// are built into one grid, then written a line at a time and flushed once.
 void MPCLI_PrintVLunList(uint32_t arrayId, const std::vector<const VLunInfo*>& vluns, UilControllerNamer& namer)
 {
     MPCLI_TableLayout& layout = vlunLayout();
     MPCLI_CalcVLunFieldLen(layout, vluns);
-    MPCLI_PrintTableDash(layout);
-    MPCLI_PrintTableHeader(layout);
+    MPCLI_Grid grid(kVLunColumns.size());
+    grid.reserve(vluns.size(), kVLunRowBytes);
     for (const VLunInfo* v : vluns) {
-        MPCLI_PrintTableRow(layout, MPCLI_PrintVlunsInfoEach(*v, UIL_VLunSlotForArray(*v, arrayId), namer));
+        MPCLI_PrintVlunsInfoEach(grid, *v, UIL_VLunSlotForArray(*v, arrayId), namer);
     }
-    MPCLI_PrintTableDash(layout);
+    // The widths above already cover every cell of the grid (both members
+    // of a dual-site VLUN were measured), so the grid is written as it is.
+    MPCLI_WriteMeasuredGrid(layout, grid);
 }
 
 enum class ListOutcome { kPrinted, kEmpty, kFailed };
 
-ListOutcome showVLunsOfArray(uint32_t arrayId, const VLunFilter& filter, UilControllerNamer& namer)
+// The namer and the cache live as long as the command: names and dual-site
+// VLUNs are looked up once, whichever array lists them.
+struct VLunListing {
+    UilControllerNamer namer;
+    UilVLunCache cache;
+};
+
+ListOutcome showVLunsOfArray(uint32_t arrayId, const VLunFilter& filter, VLunListing& listing)
 {
     MPI_ListNode list;
-    const uint32_t ret = INTF_UIL_EnumerateVLunStart(arrayId, &list);
+    const uint32_t ret = INTF_UIL_EnumerateVLunCachedStart(arrayId, &list, &listing.cache);
     if (ret == MPI_RET_NOT_FOUND) {
         return ListOutcome::kEmpty;
     }
@@ -201,23 +239,23 @@ ListOutcome showVLunsOfArray(uint32_t arrayId, const VLunFilter& filter, UilCont
     const MPI_Ended<INTF_UIL_EnumerateVLunEnd> owner(&list);
     std::vector<const VLunInfo*> kept;
     for (const MPI_ListNode* node = list.next; node != &list; node = node->next) {
-        const VLunInfo* v = MPCLI_ListRecord<VLunInfo>(node);
+        const VLunInfo* v = UIL_ListEntry<VLunInfo>(node);
         if (filter.keeps(*v)) {
             kept.push_back(v);
         }
     }
     if (!kept.empty()) {
-        MPCLI_PrintVLunList(arrayId, kept, namer);
+        MPCLI_PrintVLunList(arrayId, kept, listing.namer);
     }
     return kept.empty() ? ListOutcome::kEmpty : ListOutcome::kPrinted;
 }
 
 uint8_t showVLunsOfNamedArrays(const uint32_t* ids, uint32_t count, const VLunFilter& filter)
 {
-    UilControllerNamer namer;
+    VLunListing listing;
     uint8_t result = MPCLI_RESULT_OK;
     for (uint32_t i = 0; i < count; ++i) {
-        if (showVLunsOfArray(ids[i], filter, namer) != ListOutcome::kPrinted) {
+        if (showVLunsOfArray(ids[i], filter, listing) != ListOutcome::kPrinted) {
             MPCLI_Print("The VLUN does not exist in disk array %u.\n", ids[i]);
             result = MPCLI_RESULT_FAIL;
         }
@@ -234,11 +272,11 @@ uint8_t showVLunsOfAllArrays(const VLunFilter& filter)
         MPCLI_Print("Can't find any vluns.\n");
         return MPCLI_RESULT_FAIL;
     }
-    UilControllerNamer namer;
+    VLunListing listing;
     bool printed = false;
     uint8_t result = MPCLI_RESULT_OK;
     for (uint32_t i = 0; i < count; ++i) {
-        const ListOutcome outcome = showVLunsOfArray(ids[i], filter, namer);
+        const ListOutcome outcome = showVLunsOfArray(ids[i], filter, listing);
         printed = printed || outcome == ListOutcome::kPrinted;
         if (outcome == ListOutcome::kFailed) {
             result = MPCLI_RESULT_FAIL;
@@ -297,7 +335,7 @@ bool isPeLun(const VLunInfo& v) { return v.peFlag == 1 || v.type == UIL_VLUN_TYP
 void printControllers(const DiskInfo& disk, UilControllerNamer& namer)
 {
     for (const MPI_ListNode* c = disk.controllers.next; c != &disk.controllers; c = c->next) {
-        const UilController* controller = MPCLI_ListRecord<UilController>(c);
+        const UilController* controller = UIL_ListEntry<UilController>(c);
         if (MPI_ListEmpty(&controller->paths)) {
             continue;
         }
@@ -305,7 +343,7 @@ void printControllers(const DiskInfo& disk, UilControllerNamer& namer)
         (void)namer.format(disk.arrayId, controller->tpgId, disk.capability, name, sizeof(name));
         MPCLI_Print("Controller %s\n", name);
         for (const MPI_ListNode* p = controller->paths.next; p != &controller->paths; p = p->next) {
-            MPCLI_PrintDiskPath(*MPCLI_ListRecord<UilPathInfo>(p), 0);
+            MPCLI_PrintDiskPath(*UIL_ListEntry<UilPathInfo>(p), 0);
         }
     }
 }

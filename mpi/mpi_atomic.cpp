@@ -12,6 +12,7 @@ void checkAtomic(const MPI_Atomic* atomic, const char* func, int line)
     if (atomic->state == MPI_ATOMIC_INITED) {
         return;
     }
+    MPI_FlushConsole();
     if (atomic->state == MPI_ATOMIC_DESTROYED) {
         std::printf("*** Atomic %p is destroyed twice on file \"%s\" function \"%s\" line %d.\n",
                     static_cast<const void*>(atomic), MPI_SRC_MPI, func, line);

@@ -104,6 +104,7 @@ FilePtr openTrace(uint32_t module)
     const char* reason = "";
     FilePtr file = openTraceFile(&reason);
     if (!file) {
+        MPI_FlushConsole();
         std::fputs(module == MPI_MOD_UIA ? "Open UIA trace log fail.\n" : "Open UIL trace log fail.\n", stdout);
         std::fflush(stdout);
     }
@@ -153,6 +154,7 @@ uint32_t UIL_LogInit()
     FilePtr file = openTraceFile(&reason);
     if (!file) {
         g_pszMPILogInitFailure = reason;
+        MPI_FlushConsole();
         std::fputs("UIL trace log init fail.\n", stdout);
         std::fflush(stdout);
         return MPI_RET_FAIL;
@@ -256,10 +258,24 @@ void MPI_TraceMsg(uint32_t module, uint32_t level, const char* func, int line, c
     va_end(args);
 }
 
+namespace {
+void (*g_consoleFlush)() = nullptr;
+}  // namespace
+
+void MPI_SetConsoleFlush(void (*flush)()) { g_consoleFlush = flush; }
+
+void MPI_FlushConsole()
+{
+    if (g_consoleFlush != nullptr) {
+        g_consoleFlush();
+    }
+}
+
 void MPI_AssertFail(uint32_t module, const char* file, const char* func, int line, const char* cond)
 {
     MPI_TraceRaw(module, MPI_LOG_ERROR, func, line, "*** Assertion on file \"%s\" function \"%s\" line %d  exception \"%s\"\n",
                  file, func, line, cond);
+    MPI_FlushConsole();
     // A broken invariant: stop all further work, but do not spin the CPU.
     for (;;) {
         pause();

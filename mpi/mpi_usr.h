@@ -89,6 +89,12 @@ void MPI_TraceMsg(uint32_t module, uint32_t level, const char* func, int line, c
 #define UIL_TRACE_NULL(name) \
     MPI_TraceRaw(MPI_MOD_UIL, MPI_LOG_ERROR, __func__, __LINE__, "Pointer \"%s\" is NULL.\n", (name))
 
+// The program's own console output may be buffered above this layer: the
+// hook set here writes it out, and runs before this layer prints a console
+// line itself, so the lines keep their order. Null (the default) does nothing.
+void MPI_SetConsoleFlush(void (*flush)());
+void MPI_FlushConsole();
+
 // ---------------------------------------------------------------------------
 // Assertions: a failed one is a programming error; it writes the trace line
 // and never returns.

@@ -7,8 +7,12 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
+#include "cli/cli.h"
 #include "cli/cli_out.h"
+#include "cli/cli_print.h"
+#include "mpi/mpi_usr.h"
 
 namespace {
 
@@ -103,6 +107,49 @@ TEST_F(Out, ABrokenPipeIsReportedAndLaterOutputDropped)
     put("also lost\n");
     MPCLI_OutFlush();
     EXPECT_TRUE(MPCLI_OutFailed());
+}
+
+// What the shell's printing calls leave in the buffer and what they send.
+TEST_F(Out, MessagesFlushTablePiecesWaitForTheirEnd)
+{
+    MPCLI_Print("one %s\n", "message");
+    EXPECT_EQ(drain(), "one message\n");
+
+    MPCLI_PrintCentred("ab", 6);  // a cell: not a message of its own
+    EXPECT_EQ(drain(), "");
+    MPCLI_Print(":\n");
+    EXPECT_EQ(drain(), "  ab  :\n");
+
+    static constexpr MPCLI_Column kColumns[] = {{"ID", 2}, {"Name", 4}};
+    MPCLI_TableLayout layout(kColumns);
+    const std::vector<std::string> row = {"7", "disk"};
+    MPCLI_PrintTableRow(layout, row);
+    EXPECT_EQ(drain(), "");
+    MPCLI_OutFlush();
+    EXPECT_EQ(drain(), " 7   disk \n");
+
+    const std::vector<MPCLI_TableRow> rows = {{"1", "a"}, {"22", "bb"}};
+    MPCLI_PrintTable(layout, rows);
+    EXPECT_EQ(drain(), "----------\n ID  Name \n 1    a   \n 22   bb  \n----------\n");
+}
+
+TEST_F(Out, ALongMessageGoesOutWhole)
+{
+    const std::string text(3000, 'y');
+    MPCLI_Print("<%s>\n", text.c_str());
+    EXPECT_EQ(drain(), "<" + text + ">\n");
+}
+
+TEST_F(Out, TheLowerLayersFlushTheShellFirst)
+{
+    put("before\n");
+    MPI_SetConsoleFlush(nullptr);
+    MPI_FlushConsole();
+    EXPECT_EQ(drain(), "");
+    MPI_SetConsoleFlush(MPCLI_OutFlush);
+    MPI_FlushConsole();
+    EXPECT_EQ(drain(), "before\n");
+    MPI_SetConsoleFlush(nullptr);
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "cli/cli_command.h"
+#include "cli/cli_out.h"
 #include "cli/cli_print.h"
 #include "cli/cli_token.h"
 #include "mpi/mpi_usr.h"
@@ -360,6 +361,7 @@ TEST(Cells, CentredInWidthPlusTwoOddBlankOnTheRight)
     for (const auto& c : cases) {
         Seen seen = watch([&] {
             MPCLI_CoutStrInMiddleSpace(c.text, c.width);
+            MPCLI_OutFlush();  // a cell waits in the buffer for the end of its line
             return 0u;
         });
         EXPECT_EQ(seen.printed, c.printed) << c.text << " in " << c.width;
