@@ -304,8 +304,9 @@ inline constexpr char HELP_CLEAR_IO_COUNT[] =
 
 // add, del, check, stop
 inline constexpr char HELP_ADD_SUPPORTARRAYLIST[] =
-    "add supportarraylist vendor=<vendor> product=<product>\n"
-    "                                       --  Add the array model to the supported array list.\n";
+    "add supportarraylist vendor=<vendor> product=<product> [driver=<driver>]\n"
+    "                                       --  Add the array model to the supported array list.\n"
+    "                                       --  driver is the driver key of the model. Default is dft.\n";
 
 inline constexpr char HELP_DEL_SUPPORTARRAYLIST[] =
     "del supportarraylist vendor=<vendor> product=<product>\n"

@@ -31,6 +31,9 @@ constexpr std::array kShow = std::to_array<MPCLI_Option>({
     {"vlun", HELP_SHOW_VLUN, MPCLI_ShowVLun, N},
     {"io_latency_threshold", HELP_SHOW_IO_LATENCY_THRESHOLD, MPCLI_ShowIoLatencyThreshold, N},
     {"workerstate", HELP_SHOW_WORKERSTATE, MPCLI_ShowWorker, N},
+    // Driver events and supported-array rules.
+    {"event", HELP_SHOW_EVENT, MPCLI_ShowEvent, N},
+    {"supportarraylist", HELP_SHOW_SUPPORTARRAYLIST, MPCLI_ShowSupportArrayList, N},
 });
 
 // Every row of the set table is a value setting so far.
@@ -41,8 +44,13 @@ constexpr std::array kStart = std::to_array<MPCLI_Option>({
 });
 
 constexpr std::array<MPCLI_Option, 0> kClear{};
-constexpr std::array<MPCLI_Option, 0> kAdd{};
-constexpr std::array<MPCLI_Option, 0> kDel{};
+// Supported-array rules.
+constexpr std::array kAdd = std::to_array<MPCLI_Option>({
+    {"supportarraylist", HELP_ADD_SUPPORTARRAYLIST, MPCLI_AddSupportArrayList, N},
+});
+constexpr std::array kDel = std::to_array<MPCLI_Option>({
+    {"supportarraylist", HELP_DEL_SUPPORTARRAYLIST, MPCLI_DelSupportArrayList, N},
+});
 
 constexpr std::array kCheck = std::to_array<MPCLI_Option>({
     {"status", HELP_CHECK_STATUS, MPCLI_CheckStatus, N},

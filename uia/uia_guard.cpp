@@ -40,6 +40,6 @@ void INTF_UIA_CliEnd() {}
 uint32_t INTF_UIA_CliQVXSanbootCheck()
 {
     std::string command = "cat " + UIA_ShellQuote(MPI_HostPath(UIA_PACKAGES_INFO_PATH)) +
-                          " | grep -c 'qvx_sanboot_flag=fs_sanboot'";
+                          " 2>/dev/null | grep -c 'qvx_sanboot_flag=fs_sanboot'";
     return UIA_RunFirstNumber(command) == 1 ? 1 : 0;
 }

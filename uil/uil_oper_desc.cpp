@@ -274,14 +274,15 @@ struct Value {
     }
 };
 
-// "first,second" split at the first comma; no comma: all of it is first.
+// "first,second" split at the first separator (a comma unless said
+// otherwise); none: all of it is first.
 struct Pair {
     char first[kWord] = {};
     char second[kWord] = {};
-    explicit Pair(const UilOperLogPara& record)
+    explicit Pair(const UilOperLogPara& record, char separator = ',')
     {
         Value value(record);
-        char* comma = std::strchr(value.text, ',');
+        char* comma = std::strchr(value.text, separator);
         if (comma != nullptr) {
             *comma = '\0';
             (void)strcpy_s(second, sizeof(second), comma + 1);
@@ -511,7 +512,9 @@ void UIL_GetXvaLocalRemoteCtrlParam(const UilOperLogFmt& row, const UilOperLogPa
 
 void UIL_AddDelSupportArray(const UilOperLogFmt& row, const UilOperLogPara& record, char* english, char* localised)
 {
-    Pair pair(record);
+    // The record of a rule is "vendor;product" (UIL_VendorOperRecord): a
+    // product may hold a comma, never a ";".
+    Pair pair(record, ';');
     formatDsc(english, row.english, pair.first, pair.second);
     formatLocalDsc(localised, row.localised, pair.first, pair.second);
 }

@@ -61,3 +61,18 @@ refusals() {
 }
 # Runs the prompt on the given lines.
 prompt() { printf '%s\n' "$@" | cv > "$PWD/out.txt"; local rc=$?; fold_usage < "$PWD/out.txt"; echo "[$rc]"; }
+
+# The driver's kernel log ring under the log directory: "cur_index" names the
+# current file xmp_log<index>.txt. `klog_rotate INDEX` makes INDEX current
+# and empties its file, as the driver does when it moves on; `klog TEXT...`
+# appends lines to the current file; `klog_event TIME ID OBJECT NUMBER
+# [NUMBER2] MESSAGE` appends a key event line as the driver writes it.
+klog_dir="$CVADM_ROOT/opt/Corvane/log"
+klog_rotate() { printf '%s' "$1" > "$klog_dir/cur_index"; : > "$klog_dir/xmp_log$1.txt"; }
+klog() { local i; i=$(cat "$klog_dir/cur_index"); printf '%s\n' "$@" >> "$klog_dir/xmp_log$i.txt"; }
+klog_event() {
+  local time=$1 id=$2 object=$3 number=$4 extra=""
+  shift 4
+  if (($# > 1)); then extra="[$1]"; shift; fi
+  klog "[$time][mpx][EVENT][core][42][$id][$object][$number]$extra$1"
+}
