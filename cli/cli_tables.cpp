@@ -31,6 +31,8 @@ constexpr std::array kShow = std::to_array<MPCLI_Option>({
     {"vlun", HELP_SHOW_VLUN, MPCLI_ShowVLun, N},
     {"io_latency_threshold", HELP_SHOW_IO_LATENCY_THRESHOLD, MPCLI_ShowIoLatencyThreshold, N},
     {"workerstate", HELP_SHOW_WORKERSTATE, MPCLI_ShowWorker, N},
+    // I/O rates per VLUN or array, and CSV performance reports.
+    {"iostat", HELP_SHOW_IOSTAT, MPCLI_ShowIostat, N},
 });
 
 // Every row of the set table is a value setting so far.
