@@ -23,6 +23,7 @@
 #include <sys/syscall.h>
 #include <sys/statvfs.h>
 #include <ctime>
+#include <iterator>
 #include <unistd.h>
 
 #include "model.h"
@@ -192,6 +193,9 @@ std::atomic<ClockNanosleepFn> g_realClockNanosleep{nullptr};
 
 constexpr int64_t kNsPerSec = 1000000000;
 
+// The first reading of each clock under the fast clock (-1: not read yet).
+std::atomic<int64_t> g_clockBase[16] = {-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
+
 bool FastClock()
 {
     const char* s = std::getenv("CVSIM_FASTCLOCK");
@@ -224,6 +228,14 @@ int FastClockGettime(clockid_t clk, struct timespec* ts)
     bool wall = clk == CLOCK_REALTIME || clk == CLOCK_REALTIME_COARSE;
     if (wall && std::getenv("CVSIM_NOW") != nullptr && *std::getenv("CVSIM_NOW") != '\0') {
         *ts = FromNs(static_cast<int64_t>(cvsim::SimNow()) * kNsPerSec + cvsim::SimClockOffsetNs() % kNsPerSec);
+        return 0;
+    }
+    // Other clocks stand still at their first reading but for the offset, so
+    // a slow machine cannot slip a real second into a counted interval.
+    if (clk >= 0 && static_cast<size_t>(clk) < std::size(g_clockBase)) {
+        int64_t unset = -1;
+        (void)g_clockBase[clk].compare_exchange_strong(unset, ToNs(*ts));
+        *ts = FromNs(g_clockBase[clk].load() + cvsim::SimClockOffsetNs());
         return 0;
     }
     *ts = FromNs(ToNs(*ts) + cvsim::SimClockOffsetNs());
