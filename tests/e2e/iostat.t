@@ -186,3 +186,22 @@ back the default disposition a background job of a script starts without):
   IO Performance Information
                        IOPS                      KB/S                 response time(ms)
               Total   |Read    |Write   Total   |Read    |Write   Total   |Read    |Write
+
+At the prompt, Ctrl-C ends the display and the prompt continues:
+
+  $ mkfifo in
+  $ (trap - INT; exec "$CVADM_SIM" < in > prompt.txt) &
+  $ pid=$!
+  $ exec 3> in
+  $ echo "show iostat vlun_id=0" >&3
+  $ while ! grep -q "^Path 0" prompt.txt; do sleep 0.2; done; kill -INT $pid
+  $ echo "show iostat vlun_id=0 interval=0" >&3; echo quit >&3; exec 3>&-
+  $ wait $pid; echo "[$?]"
+  [0]
+  $ grep -v '^VLUN\|^Path\|^ \|^Lun\|^Controller' prompt.txt
+  
+  Corvane CLI #0 >IO Performance Information
+  
+  Corvane CLI #1 >The time interval cannot be 0.
+  
+  Corvane CLI #2 >
