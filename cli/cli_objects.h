@@ -30,3 +30,6 @@ const char* MPCLI_WorkingModeText(uint8_t lbAcrossControllers);
 // VLUN's detail.
 void MPCLI_PrintConfigForArray(const UilFullCfg& config);
 void MPCLI_PrintConfigForVlun(const UilFullCfg& config);
+
+// show iostat (cli_iostat.cpp).
+uint8_t MPCLI_ShowIostat(uint32_t argc, char** argv);

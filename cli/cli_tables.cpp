@@ -34,6 +34,8 @@ constexpr std::array kShow = std::to_array<MPCLI_Option>({
     // Driver events and supported-array rules.
     {"event", HELP_SHOW_EVENT, MPCLI_ShowEvent, N},
     {"supportarraylist", HELP_SHOW_SUPPORTARRAYLIST, MPCLI_ShowSupportArrayList, N},
+    // I/O rates per VLUN or array, and CSV performance reports.
+    {"iostat", HELP_SHOW_IOSTAT, MPCLI_ShowIostat, N},
 });
 
 // Every row of the set table is a value setting so far.

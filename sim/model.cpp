@@ -3,6 +3,7 @@
 #include "model_objects.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
@@ -344,11 +345,19 @@ Outcome Serve(ProcessFiles& files, unsigned long code, void* frame)
 
 }  // namespace
 
+namespace {
+std::atomic<int64_t> g_clockOffsetNs{0};
+}  // namespace
+
+void SimClockAdvance(int64_t ns) { g_clockOffsetNs.fetch_add(ns, std::memory_order_relaxed); }
+int64_t SimClockOffsetNs() { return g_clockOffsetNs.load(std::memory_order_relaxed); }
+int64_t SimClockOffsetSec() { return SimClockOffsetNs() / 1000000000; }
+
 std::time_t SimNow()
 {
     const char* fixed = std::getenv("CVSIM_NOW");
     if (fixed == nullptr || *fixed == '\0') {
-        return std::time(nullptr);
+        return std::time(nullptr);  // the preloaded time() adds the offset already
     }
     long long v = 0;
     const char* end = fixed + std::strlen(fixed);
@@ -356,7 +365,7 @@ std::time_t SimNow()
     if (ec != std::errc() || p != end || v < 0) {
         throw SimError(std::string("CVSIM_NOW=") + fixed + " is not a number of seconds since 1970");
     }
-    return static_cast<std::time_t>(v);
+    return static_cast<std::time_t>(v + SimClockOffsetSec());
 }
 
 std::time_t SimContext::now()

@@ -268,8 +268,17 @@ struct Fault {
 bool TakeFault(const SimPaths& paths, uint32_t nr, Fault& out);
 
 // ---------------------------------------------------------------------------
-// Clock: CVSIM_NOW=<unix seconds> fixes it, otherwise the real time.
+// Clock: CVSIM_NOW=<unix seconds> fixes it, otherwise the real time. With
+// CVSIM_FASTCLOCK=1 the preload turns the program's sleeps into advances of
+// a shared offset instead of waiting; SimNow and the program's clocks all
+// add that offset, so a run of many intervals takes no real time.
 std::time_t SimNow();
+// Whole seconds the fast clock has been advanced so far.
+int64_t SimClockOffsetSec();
+// Advances the fast clock by `ns` nanoseconds.
+void SimClockAdvance(int64_t ns);
+// Nanoseconds the fast clock has been advanced so far.
+int64_t SimClockOffsetNs();
 
 // ---------------------------------------------------------------------------
 // The entry used by the preload: `arg` is the request frame. Returns what

@@ -1,7 +1,10 @@
 // LD_PRELOAD shim: the program opens "$CVADM_ROOT/dev/cvdrv" (an empty file
 // in the sandbox) and sends its ioctls there; this library answers those
 // from the driver model and passes every other ioctl to the C library.
-// getuid/geteuid report CVSIM_UID when it is set.
+// getuid/geteuid report CVSIM_UID when it is set. With CVSIM_FASTCLOCK=1 the
+// program's clocks run fast: a sleep returns at once and moves every clock
+// forward by what it asked for (see the fast clock below). CVSIM_FREE_KB=N
+// makes statvfs report N KB available to unprivileged users.
 //
 // The hooks keep no state that needs constructing: the real functions are
 // looked up by a constructor (and again on first use, should a hook run
@@ -18,6 +21,9 @@
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/statvfs.h>
+#include <ctime>
+#include <iterator>
 #include <unistd.h>
 
 #include "model.h"
@@ -164,4 +170,175 @@ CVSIM_EXPORT uid_t geteuid() __THROW
     }
     UidFn real = Resolve(g_realGeteuid, "geteuid");
     return real != nullptr ? real() : static_cast<uid_t>(::syscall(SYS_geteuid));
+}
+
+// ---------------------------------------------------------------------------
+// Fast clock. Off unless CVSIM_FASTCLOCK=1: then nanosleep and
+// clock_nanosleep do not wait but advance an offset that clock_gettime and
+// time add to every clock, and the driver model's clock moves with them.
+// The wall clock reads CVSIM_NOW plus the offset when CVSIM_NOW is set, so
+// the times a test sees are fixed too.
+
+namespace {
+
+using ClockGettimeFn = int (*)(clockid_t, struct timespec*);
+using TimeFn = time_t (*)(time_t*);
+using NanosleepFn = int (*)(const struct timespec*, struct timespec*);
+using ClockNanosleepFn = int (*)(clockid_t, int, const struct timespec*, struct timespec*);
+
+std::atomic<ClockGettimeFn> g_realClockGettime{nullptr};
+std::atomic<TimeFn> g_realTime{nullptr};
+std::atomic<NanosleepFn> g_realNanosleep{nullptr};
+std::atomic<ClockNanosleepFn> g_realClockNanosleep{nullptr};
+
+constexpr int64_t kNsPerSec = 1000000000;
+
+// The first reading of each clock under the fast clock (-1: not read yet).
+std::atomic<int64_t> g_clockBase[16] = {-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
+
+bool FastClock()
+{
+    const char* s = std::getenv("CVSIM_FASTCLOCK");
+    return s != nullptr && std::strcmp(s, "1") == 0;
+}
+
+int64_t ToNs(const struct timespec& ts) { return static_cast<int64_t>(ts.tv_sec) * kNsPerSec + ts.tv_nsec; }
+
+struct timespec FromNs(int64_t ns)
+{
+    struct timespec ts {};
+    ts.tv_sec = static_cast<time_t>(ns / kNsPerSec);
+    ts.tv_nsec = static_cast<long>(ns % kNsPerSec);
+    return ts;
+}
+
+int RealClockGettime(clockid_t clk, struct timespec* ts)
+{
+    ClockGettimeFn real = Resolve(g_realClockGettime, "clock_gettime");
+    return real != nullptr ? real(clk, ts) : static_cast<int>(::syscall(SYS_clock_gettime, clk, ts));
+}
+
+// The fast clock's reading of `clk`.
+int FastClockGettime(clockid_t clk, struct timespec* ts)
+{
+    int ret = RealClockGettime(clk, ts);
+    if (ret != 0 || ts == nullptr) {
+        return ret;
+    }
+    bool wall = clk == CLOCK_REALTIME || clk == CLOCK_REALTIME_COARSE;
+    if (wall && std::getenv("CVSIM_NOW") != nullptr && *std::getenv("CVSIM_NOW") != '\0') {
+        *ts = FromNs(static_cast<int64_t>(cvsim::SimNow()) * kNsPerSec + cvsim::SimClockOffsetNs() % kNsPerSec);
+        return 0;
+    }
+    // Other clocks stand still at their first reading but for the offset, so
+    // a slow machine cannot slip a real second into a counted interval.
+    if (clk >= 0 && static_cast<size_t>(clk) < std::size(g_clockBase)) {
+        int64_t unset = -1;
+        (void)g_clockBase[clk].compare_exchange_strong(unset, ToNs(*ts));
+        *ts = FromNs(g_clockBase[clk].load() + cvsim::SimClockOffsetNs());
+        return 0;
+    }
+    *ts = FromNs(ToNs(*ts) + cvsim::SimClockOffsetNs());
+    return 0;
+}
+
+}  // namespace
+
+CVSIM_EXPORT int clock_gettime(clockid_t clk, struct timespec* ts) __THROW
+{
+    if (FastClock()) {
+        try {
+            return FastClockGettime(clk, ts);
+        } catch (...) {
+            // A malformed CVSIM_NOW: the real clock.
+        }
+    }
+    return RealClockGettime(clk, ts);
+}
+
+CVSIM_EXPORT time_t time(time_t* out) __THROW
+{
+    if (FastClock()) {
+        struct timespec ts {};
+        if (clock_gettime(CLOCK_REALTIME, &ts) == 0) {
+            if (out != nullptr) {
+                *out = ts.tv_sec;
+            }
+            return ts.tv_sec;
+        }
+    }
+    TimeFn real = Resolve(g_realTime, "time");
+    return real != nullptr ? real(out) : static_cast<time_t>(::syscall(SYS_time, out));
+}
+
+CVSIM_EXPORT int nanosleep(const struct timespec* req, struct timespec* rem)
+{
+    if (FastClock() && req != nullptr && req->tv_nsec >= 0 && req->tv_nsec < kNsPerSec && req->tv_sec >= 0) {
+        cvsim::SimClockAdvance(ToNs(*req));
+        if (rem != nullptr) {
+            *rem = {};
+        }
+        return 0;
+    }
+    NanosleepFn real = Resolve(g_realNanosleep, "nanosleep");
+    if (real == nullptr) {
+        errno = ENOSYS;
+        return -1;
+    }
+    return real(req, rem);
+}
+
+CVSIM_EXPORT int clock_nanosleep(clockid_t clk, int flags, const struct timespec* req, struct timespec* rem)
+{
+    if (FastClock() && req != nullptr && req->tv_nsec >= 0 && req->tv_nsec < kNsPerSec) {
+        int64_t wait = ToNs(*req);
+        if ((flags & TIMER_ABSTIME) != 0) {
+            struct timespec now {};
+            if (clock_gettime(clk, &now) != 0) {
+                return EINVAL;
+            }
+            wait -= ToNs(now);
+        }
+        if (wait > 0) {
+            cvsim::SimClockAdvance(wait);
+        }
+        if (rem != nullptr) {
+            *rem = {};
+        }
+        return 0;
+    }
+    ClockNanosleepFn real = Resolve(g_realClockNanosleep, "clock_nanosleep");
+    return real != nullptr ? real(clk, flags, req, rem) : ENOSYS;
+}
+
+// ---------------------------------------------------------------------------
+// Free space: CVSIM_FREE_KB=<KB> replaces what statvfs reports as available
+// to unprivileged users, so a test can fill a disk without filling it.
+
+namespace {
+using StatvfsFn = int (*)(const char*, struct statvfs*);
+std::atomic<StatvfsFn> g_realStatvfs{nullptr};
+}  // namespace
+
+CVSIM_EXPORT int statvfs(const char* path, struct statvfs* out) __THROW
+{
+    StatvfsFn real = Resolve(g_realStatvfs, "statvfs");
+    if (real == nullptr) {
+        errno = ENOSYS;
+        return -1;
+    }
+    int ret = real(path, out);
+    const char* fake = std::getenv("CVSIM_FREE_KB");
+    if (ret != 0 || fake == nullptr || *fake == '\0' || out->f_bsize == 0) {
+        return ret;
+    }
+    unsigned long long kb = 0;
+    const char* p = fake;
+    for (; *p >= '0' && *p <= '9' && kb < (1ULL << 40); ++p) {
+        kb = kb * 10 + static_cast<unsigned>(*p - '0');
+    }
+    if (*p == '\0') {
+        out->f_bavail = static_cast<fsblkcnt_t>(kb * 1024 / out->f_bsize);
+    }
+    return ret;
 }
