@@ -4,6 +4,8 @@
 #include "cli/cli.h"
 #include "cli/cli_helptext.h"
 #include "cli/cli_objects.h"
+#include "cli/cli_pathset.h"
+#include "cli/cli_reliability.h"
 #include "cli/cli_settings.h"
 
 namespace {
@@ -36,22 +38,56 @@ constexpr std::array kShow = std::to_array<MPCLI_Option>({
     {"supportarraylist", HELP_SHOW_SUPPORTARRAYLIST, MPCLI_ShowSupportArrayList, N},
     // I/O rates per VLUN or array, and CSV performance reports.
     {"iostat", HELP_SHOW_IOSTAT, MPCLI_ShowIostat, N},
+    // I/O reliability.
+    {"io_count", HELP_SHOW_IO_COUNT, MPCLI_ShowIoCount, N},
+    {"io_latency", HELP_SHOW_IO_LATENCY, MPCLI_ShowIoLatency, N},
+    {"alarmenable", HELP_SHOW_ALARMENABLE, MPCLI_ShowAlarmEnable, N},
+    {"path_reliability_enable", HELP_SHOW_PATH_RELIABILITY_ENABLE, MPCLI_ShowReliabilityEnable, N},
 });
 
-// Every row of the set table is a value setting so far.
-constexpr const auto& kSet = g_stCLISettingOptions;
+// Rows of two tables as one.
+template <size_t A, size_t B>
+constexpr std::array<MPCLI_Option, A + B> joinRows(const std::array<MPCLI_Option, A>& first,
+                                                   const std::array<MPCLI_Option, B>& second)
+{
+    std::array<MPCLI_Option, A + B> rows{};
+    for (size_t i = 0; i < A; ++i) {
+        rows[i] = first[i];
+    }
+    for (size_t i = 0; i < B; ++i) {
+        rows[A + i] = second[i];
+    }
+    return rows;
+}
+
+// Path commands of the set verb.
+constexpr std::array kSetPath = std::to_array<MPCLI_Option>({
+    {"pathstate", HELP_SET_PATHSTATE, MPCLI_SetPhyPathState, N},
+    {"phypathnormal", HELP_SET_PHYPATHNORMAL, MPCLI_SetPhyPathNormal, N},
+});
+
+// The value settings, then the commands.
+constexpr auto kSet = joinRows(g_stCLISettingOptions, kSetPath);
 
 constexpr std::array kStart = std::to_array<MPCLI_Option>({
     {"diskdriverupdate", "", MPCLI_StartDiskDriverUpdate, N},
+    // Path commands.
+    {"pathcheck", HELP_START_PATHCHECK, MPCLI_StartPhyPathCheck, N},
 });
 
-constexpr std::array<MPCLI_Option, 0> kClear{};
 // Supported-array rules.
 constexpr std::array kAdd = std::to_array<MPCLI_Option>({
     {"supportarraylist", HELP_ADD_SUPPORTARRAYLIST, MPCLI_AddSupportArrayList, N},
 });
 constexpr std::array kDel = std::to_array<MPCLI_Option>({
     {"supportarraylist", HELP_DEL_SUPPORTARRAYLIST, MPCLI_DelSupportArrayList, N},
+});
+constexpr std::array kClear = std::to_array<MPCLI_Option>({
+    // Path commands.
+    {"obsolete_path", HELP_CLEAR_OBSOLETE_PATH, MPCLI_ClearObsoletePath, N},
+    {"path_statistic", HELP_CLEAR_PATH_STATISTIC, MPCLI_ClearPathStatistic, N},
+    // I/O reliability.
+    {"io_count", HELP_CLEAR_IO_COUNT, MPCLI_ClearIoCount, N},
 });
 
 constexpr std::array kCheck = std::to_array<MPCLI_Option>({
