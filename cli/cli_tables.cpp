@@ -2,6 +2,7 @@
 #include <array>
 
 #include "cli/cli.h"
+#include "cli/cli_arrayset.h"
 #include "cli/cli_helptext.h"
 #include "cli/cli_objects.h"
 #include "cli/cli_settings.h"
@@ -33,8 +34,30 @@ constexpr std::array kShow = std::to_array<MPCLI_Option>({
     {"workerstate", HELP_SHOW_WORKERSTATE, MPCLI_ShowWorker, N},
 });
 
-// Every row of the set table is a value setting so far.
-constexpr const auto& kSet = g_stCLISettingOptions;
+template <size_t A, size_t B>
+constexpr std::array<MPCLI_Option, A + B> joined(const std::array<MPCLI_Option, A>& first,
+                                                 const std::array<MPCLI_Option, B>& second)
+{
+    std::array<MPCLI_Option, A + B> rows{};
+    for (size_t i = 0; i < A; ++i) {
+        rows[i] = first[i];
+    }
+    for (size_t i = 0; i < B; ++i) {
+        rows[A + i] = second[i];
+    }
+    return rows;
+}
+
+// The set commands that are more than a value: switches with a prompt,
+// scoped setters, actions.
+constexpr std::array kSetCommands = std::to_array<MPCLI_Option>({
+    // The array family.
+    {"alarmenable", HELP_SET_ALARMENABLE, MPCLI_SetAlarmEnable, N},
+    {"path_reliability_enable", HELP_SET_PATH_RELIABILITY_ENABLE, MPCLI_SetReliabilityEnable, N},
+});
+
+// The value settings first, in the settings table's order.
+constexpr auto kSet = joined(g_stCLISettingOptions, kSetCommands);
 
 constexpr std::array kStart = std::to_array<MPCLI_Option>({
     {"diskdriverupdate", "", MPCLI_StartDiskDriverUpdate, N},

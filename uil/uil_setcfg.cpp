@@ -387,6 +387,11 @@ uint32_t INTF_UIL_SetIdlePathCheckInterval(const char*, const char* value, UilOp
     return setCommonWithValue("idlepath_check_interval", value, record);
 }
 
+uint32_t INTF_UIL_SetFailbackTime(const char*, const char* value, UilOperLogPara* record)
+{
+    return setCommonWithValue("failbackdelaytime", value, record);
+}
+
 uint32_t INTF_UIL_SetTimeOutDegradedTime(const char*, const char* value, UilOperLogPara* record)
 {
     return setCommonWithValue("tod_time", value, record);
