@@ -52,6 +52,12 @@ constexpr std::array<MPCLI_Option, A + B> joined(const std::array<MPCLI_Option, 
 // scoped setters, actions.
 constexpr std::array kSetCommands = std::to_array<MPCLI_Option>({
     // The array family.
+    {"workingmode", HELP_SET_WORKINGMODE, MPCLI_SetLbController, N},
+    {"loadbalancemode", HELP_SET_LOADBALANCEMODE, MPCLI_SetLbPolicy, N},
+    {"luntrespass", HELP_SET_LUNTRESPASS, MPCLI_SetLunTrespass, N},
+    {"iosuspensiontime", HELP_SET_IOSUSPENSIONTIME, MPCLI_SetHoldonTime, N},
+    {"lb_io_threshold", HELP_SET_LB_IO_THRESHOLD, MPCLI_SetLBIOThreshold, N},
+    {"max_io_retry_timeout", HELP_SET_MAX_IO_RETRY_TIMEOUT, MPCLI_SetIoRetryTimeOut, N},
     {"alarmenable", HELP_SET_ALARMENABLE, MPCLI_SetAlarmEnable, N},
     {"path_reliability_enable", HELP_SET_PATH_RELIABILITY_ENABLE, MPCLI_SetReliabilityEnable, N},
 });
