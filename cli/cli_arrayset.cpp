@@ -14,7 +14,9 @@
 #include "cli/cli_token.h"
 #include "mpi/mpi_number.h"
 #include "mpi/mpi_usr.h"
+#include "uil/uil_arrayset.h"
 #include "uil/uil_oper.h"
+#include "uil/uil_perf.h"
 #include "uil/uil_setcfg.h"
 
 namespace {
@@ -211,7 +213,103 @@ uint8_t runScoped(const Scoped& row, uint32_t argc, char** argv)
     return allDone ? MPCLI_RESULT_OK : MPCLI_RESULT_FAIL;
 }
 
+// ---------------------------------------------------------------------------
+// Host-wide commands with words of their own.
+
+constexpr uint32_t kMaxRecordHours = 8760;
+
+uint8_t finish(uint32_t ret, uint32_t argc, char** argv, uint32_t eventId, const UilOperLogPara& record)
+{
+    const uint8_t result = ret == MPI_RET_SUCCESS ? MPCLI_RESULT_OK : MPCLI_RESULT_FAIL;
+    if (result == MPCLI_RESULT_OK) {
+        MPCLI_Print("Succeeded in executing the command.\n");
+    } else {
+        MPCLI_PrintfInternalErrorInfo(ret);
+    }
+    MPCLI_OperLog(kVerb, argc, argv, eventId, result, &record);
+    return result;
+}
+
+bool itemValue(const MPCLI_Word& word, const char* item, std::string* out)
+{
+    uint32_t number = 0;
+    if (!word.hasValue() || word.value.size() > kValueLen || !MPI_ToU32(word.value, &number)) {
+        return false;
+    }
+    *out = word.value;
+    return INTF_UIL_CheckCfgValid(item, out->c_str()) != 0;
+}
+
 }  // namespace
+
+uint8_t MPCLI_SetIoRetryConf(uint32_t argc, char** argv)
+{
+    const MPCLI_Command command(argc, argv);
+    if (argc != 2 || command[0].key != "ioretry" || command[1].key != "ioretrydelay" || !command[0].hasValue() ||
+        !command[1].hasValue()) {
+        MPCLI_Print("Error: Invalid input!\nUsage:\n           -- set ioretry=<number> ioretrydelay=<time>\n");
+        return MPCLI_RESULT_FAIL;
+    }
+    std::string retries;
+    std::string delay;
+    if (!itemValue(command[0], "ioretry", &retries) || !itemValue(command[1], "ioretrydelay", &delay)) {
+        MPCLI_Print("Error: Invalid input!\nUsage:\n%s", HELP_SET_IORETRY);
+        return MPCLI_RESULT_FAIL;
+    }
+    UilOperLogPara record{};
+    const uint32_t ret = INTF_UIL_SetIoRetryConf(kSource, retries.c_str(), delay.c_str(), &record);
+    return finish(ret, argc, argv, UIL_OPER_IO_RETRY, record);
+}
+
+uint8_t MPCLI_SetPerformanceRecord(uint32_t argc, char** argv)
+{
+    const MPCLI_Command command(argc, argv);
+    const bool on = argc >= 1 && command[0].value == "on";
+    const bool off = argc >= 1 && command[0].value == "off";
+    uint32_t hours = 0;
+    bool wordsOk = (on || off) && argc <= 2;
+    if (wordsOk && argc == 2) {
+        const MPCLI_Word& duration = command[1];
+        const std::string text(duration.value);
+        wordsOk = duration.key == "duration" && duration.hasValue() && MPCLI_IsNum(text.c_str()) == 1 &&
+                  MPCLI_ReadNum(duration.value, &hours) && hours <= kMaxRecordHours;
+    }
+    if (!wordsOk) {
+        MPCLI_Print("Error: Invalid input!\nUsage:\n%s", HELP_SET_PERFORMANCE_RECORD);
+        return MPCLI_RESULT_FAIL;
+    }
+    if (on) {
+        // Switching on twice would restart the record's clock under the
+        // operator's feet; the driver's own state is what counts.
+        UilDriverPerfRecord state{};
+        const uint32_t ret = INTF_UIL_GetDriverPerfRecordInfo(&state);
+        if (ret != MPI_RET_SUCCESS) {
+            MPCLI_PrintfInternalErrorInfo(ret);
+            return MPCLI_RESULT_FAIL;
+        }
+        if (state.enabled == 1) {
+            MPCLI_Print("The command fails to be executed because the performance statistics function is on.\n");
+            return MPCLI_RESULT_FAIL;
+        }
+    }
+    UilOperLogPara record{};
+    const std::string logged = std::string(on ? "1" : "0") + "," + std::to_string(hours);
+    UIL_TransOperLogValue(logged.c_str(), &record);
+    const uint32_t ret = INTF_UIL_SetPerfRecord(kSource, on ? 1 : 0, hours);
+    return finish(ret, argc, argv, UIL_OPER_PERF_RECORD, record);
+}
+
+uint8_t MPCLI_SetStopIoSuspension(uint32_t argc, char** argv)
+{
+    uint32_t diskId = 0;
+    if (argc != 2 || !MPCLI_ReadNum(argv[1], &diskId) || MPCLI_ValueCheckByType(static_cast<int32_t>(diskId), MPCLI_ID_VLUN) == 0) {
+        return MPCLI_UsageError("Error: Invalid input!\n");
+    }
+    UilOperLogPara record{};
+    UIL_TransOperLogValue(std::to_string(diskId).c_str(), &record);
+    const uint32_t ret = INTF_UIL_TurnOffIoSuspension(diskId);
+    return finish(ret, argc, argv, UIL_OPER_CLOSE_IOSUSPENSION, record);
+}
 
 uint8_t MPCLI_SetLbController(uint32_t argc, char** argv) { return runScoped(kWorkingMode, argc, argv); }
 uint8_t MPCLI_SetLbPolicy(uint32_t argc, char** argv) { return runScoped(kLbPolicy, argc, argv); }

@@ -13,3 +13,8 @@ uint8_t MPCLI_SetLunTrespass(uint32_t argc, char** argv);
 uint8_t MPCLI_SetHoldonTime(uint32_t argc, char** argv);    // iosuspensiontime
 uint8_t MPCLI_SetLBIOThreshold(uint32_t argc, char** argv);
 uint8_t MPCLI_SetIoRetryTimeOut(uint32_t argc, char** argv);  // max_io_retry_timeout
+// Host-wide: `set ioretry=<n> ioretrydelay=<t>`, `set performance_record=
+// {on|off} [duration=<hours>]`, `set stop_iosuspension <disk_id>`.
+uint8_t MPCLI_SetIoRetryConf(uint32_t argc, char** argv);
+uint8_t MPCLI_SetPerformanceRecord(uint32_t argc, char** argv);
+uint8_t MPCLI_SetStopIoSuspension(uint32_t argc, char** argv);

@@ -58,6 +58,10 @@ constexpr std::array kSetCommands = std::to_array<MPCLI_Option>({
     {"iosuspensiontime", HELP_SET_IOSUSPENSIONTIME, MPCLI_SetHoldonTime, N},
     {"lb_io_threshold", HELP_SET_LB_IO_THRESHOLD, MPCLI_SetLBIOThreshold, N},
     {"max_io_retry_timeout", HELP_SET_MAX_IO_RETRY_TIMEOUT, MPCLI_SetIoRetryTimeOut, N},
+    {"ioretry", HELP_SET_IORETRY, MPCLI_SetIoRetryConf, N},
+    {"performance_record", HELP_SET_PERFORMANCE_RECORD, MPCLI_SetPerformanceRecord, N},
+    // Listed only in the full usage text.
+    {"stop_iosuspension", "", MPCLI_SetStopIoSuspension, N},
     {"alarmenable", HELP_SET_ALARMENABLE, MPCLI_SetAlarmEnable, N},
     {"path_reliability_enable", HELP_SET_PATH_RELIABILITY_ENABLE, MPCLI_SetReliabilityEnable, N},
 });

@@ -186,3 +186,122 @@ Anything but the two words is refused before the question:
   0
   same file
   10
+
+I/O retry: both words, both checked, stored together; the record holds
+the two values:
+
+  $ cv set ioretry=60 ioretrydelay=10; echo "[$?]"; common ioretry; common ioretrydelay
+  Succeeded in executing the command.
+  [0]
+  common ioretry=60
+  common ioretrydelay=10
+  $ cv set ioretry=0 ioretrydelay=0; echo "[$?]"; common ioretry; common ioretrydelay
+  Succeeded in executing the command.
+  [0]
+  common ioretry=0
+  common ioretrydelay=0
+  $ operlog | tail -n 2
+  [11] [CLI] [1] [1396789512] [set ioretry=60 ioretrydelay=10] [Set IO retry count to 60 and retry interval to 10 s] [1]
+  [12] [CLI] [1] [1396789512] [set ioretry=0 ioretrydelay=0] [Set IO retry count to 0 and retry interval to 0 s] [1]
+  $ : > "$CVADM_ROOT/sim/requests.log"; cp "$cfg" before.xml
+  $ usage_of ioretry set ioretry=61 ioretrydelay=0
+  Error: Invalid input!
+  Usage:
+  set ioretry=<number> ioretrydelay=<time>
+                                         --  Set the I/O retry times and the I/O retry delay time.
+                                         --  number is in the range 0-60. Default is 10.
+                                         --  time is in the range 0-10, unit is second. Default is 0.
+                                         --  Notice: In the first three times, I/O will retry immediately.
+  [1]
+  $ refusals <<'EOF'
+  > set ioretry=1 ioretrydelay=11
+  > set ioretry=1
+  > set ioretry=1 delay=1
+  > set ioretrydelay=1 ioretry=1
+  > set ioretry=1 ioretrydelay=1 extra
+  > set ioretry=x ioretrydelay=1
+  > EOF
+  [1] set ioretry=1 ioretrydelay=11: Error: Invalid input! | <ioretry usage>
+  [1] set ioretry=1: Error: Invalid input! | Usage: |            -- set ioretry=<number> ioretrydelay=<time>
+  [1] set ioretry=1 delay=1: Error: Invalid input! | Usage: |            -- set ioretry=<number> ioretrydelay=<time>
+  [1] set ioretrydelay=1 ioretry=1: Error: Input Option is not supported. | <usage>
+  [1] set ioretry=1 ioretrydelay=1 extra: Error: Invalid input! | Usage: |            -- set ioretry=<number> ioretrydelay=<time>
+  [1] set ioretry=x ioretrydelay=1: Error: Invalid input! | <ioretry usage>
+  $ wc -l < "$CVADM_ROOT/sim/requests.log"; cmp "$cfg" before.xml && echo same file
+  0
+  same file
+
+Performance record: on with a duration of up to 8760 hours; on again is
+refused while the driver records; off always goes through:
+
+  $ cv set performance_record=on duration=8760; echo "[$?]"
+  Succeeded in executing the command.
+  [0]
+  $ common performance_record; common performance_record_duration
+  common performance_record=1
+  common performance_record_duration=8760
+  $ cv set performance_record=on; echo "[$?]"
+  The command fails to be executed because the performance statistics function is on.
+  [1]
+  $ cv set performance_record=off; echo "[$?]"; common performance_record
+  Succeeded in executing the command.
+  [0]
+  common performance_record=0
+  $ cv set performance_record=on; echo "[$?]"; common performance_record_duration
+  Succeeded in executing the command.
+  [0]
+  common performance_record_duration=0
+  $ operlog | tail -n 3
+  [13] [CLI] [1] [1396789603] [set performance_record=on duration=8760] [Open performance record, duration is 8760 hours] [1]
+  [14] [CLI] [1] [1396789603] [set performance_record=off] [Close performance record, duration is 0 hours] [1]
+  [15] [CLI] [1] [1396789603] [set performance_record=on] [Open performance record, duration is 0 hours] [1]
+  $ cv set performance_record=off > /dev/null
+  $ cp "$cfg" before.xml
+  $ usage_of perf set performance_record=on duration=8761
+  Error: Invalid input!
+  Usage:
+  set performance_record={on|off} [duration=<time>]
+                                         --  Turn the performance record on or off.
+                                         --  time is in the range 0-8760, unit is hour.
+                                         --  0 means record all the time.
+                                         --  Default is 0.
+  [1]
+  $ refusals <<'EOF'
+  > set performance_record=ON
+  > set performance_record=1
+  > set performance_record=on duration=-1
+  > set performance_record=on duration=
+  > set performance_record=on time=5
+  > set performance_record=on duration=5 extra
+  > EOF
+  [1] set performance_record=ON: Error: Invalid input! | <perf usage>
+  [1] set performance_record=1: Error: Invalid input! | <perf usage>
+  [1] set performance_record=on duration=-1: Error: Invalid input! | <perf usage>
+  [1] set performance_record=on duration=: Error: Invalid input! | <perf usage>
+  [1] set performance_record=on time=5: Error: Invalid input! | <perf usage>
+  [1] set performance_record=on duration=5 extra: Error: Invalid input! | <perf usage>
+  $ cmp "$cfg" before.xml && echo same file
+  same file
+
+Ending the I/O suspension of a disk: one request with the disk ID; a word
+that is not an ID gets the full usage:
+
+  $ : > "$CVADM_ROOT/sim/requests.log"
+  $ cv set stop_iosuspension 3; echo "[$?]"; requests
+  Succeeded in executing the command.
+  [0]
+  nr=69 code=0x80044d45 size=4 result=1024
+  $ operlog | tail -n 1
+  [17] [CLI] [1] [1396789588] [set stop_iosuspension 3] [Close {3} io suspension] [1]
+  $ refusals <<'EOF'
+  > set stop_iosuspension
+  > set stop_iosuspension x
+  > set stop_iosuspension 16384
+  > set stop_iosuspension 1 2
+  > EOF
+  [1] set stop_iosuspension: Error: Invalid input! | <usage>
+  [1] set stop_iosuspension x: Error: Invalid input! | <usage>
+  [1] set stop_iosuspension 16384: Error: Invalid input! | <usage>
+  [1] set stop_iosuspension 1 2: Error: Invalid input! | <usage>
+  $ wc -l < "$CVADM_ROOT/sim/requests.log"
+  1
