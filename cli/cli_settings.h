@@ -82,6 +82,15 @@ inline constexpr auto kSettings = std::to_array<MPCLI_Setting>({
      INTF_UIL_SetSensitiveDelayedThreshold},
     {"sdd_recovery_time", "sdd_recover_time", UIL_OPER_SDD_RECOVER_TIME, HELP_SET_SDD_RECOVERY_TIME, "time",
      kSddRecoveryRange, INTF_UIL_SetSensitiveDelayedRecoverTime},
+    // Host-wide driver behaviour: failback and the path checker's intervals.
+    {"failbackdelaytime", "failbackdelaytime", UIL_OPER_FAILBACK_TIME, HELP_SET_FAILBACKDELAYTIME, "time",
+     HELP_SET_FAILBACKDELAYTIME, INTF_UIL_SetFailbackTime},
+    {"faulty_path_check_interval", "failpath_check_interval", UIL_OPER_FAULTY_PATH_CHECK,
+     HELP_SET_FAULTY_PATH_CHECK_INTERVAL, "time", HELP_SET_FAULTY_PATH_CHECK_INTERVAL,
+     INTF_UIL_SetFaultPathCheckInterval},
+    {"idle_path_check_interval", "idlepath_check_interval", UIL_OPER_IDLE_PATH_CHECK,
+     HELP_SET_IDLE_PATH_CHECK_INTERVAL, "time", HELP_SET_IDLE_PATH_CHECK_INTERVAL,
+     INTF_UIL_SetIdlePathCheckInterval},
 });
 
 }  // namespace mpcli_settings

@@ -2,6 +2,7 @@
 #include <array>
 
 #include "cli/cli.h"
+#include "cli/cli_arrayset.h"
 #include "cli/cli_helptext.h"
 #include "cli/cli_objects.h"
 #include "cli/cli_pathset.h"
@@ -60,14 +61,29 @@ constexpr std::array<MPCLI_Option, A + B> joinRows(const std::array<MPCLI_Option
     return rows;
 }
 
-// Path commands of the set verb.
-constexpr std::array kSetPath = std::to_array<MPCLI_Option>({
+// The set commands that are more than a value: switches with a prompt,
+// scoped setters, actions.
+constexpr std::array kSetCommands = std::to_array<MPCLI_Option>({
+    // The array family.
+    {"workingmode", HELP_SET_WORKINGMODE, MPCLI_SetLbController, N},
+    {"loadbalancemode", HELP_SET_LOADBALANCEMODE, MPCLI_SetLbPolicy, N},
+    {"luntrespass", HELP_SET_LUNTRESPASS, MPCLI_SetLunTrespass, N},
+    {"iosuspensiontime", HELP_SET_IOSUSPENSIONTIME, MPCLI_SetHoldonTime, N},
+    {"lb_io_threshold", HELP_SET_LB_IO_THRESHOLD, MPCLI_SetLBIOThreshold, N},
+    {"max_io_retry_timeout", HELP_SET_MAX_IO_RETRY_TIMEOUT, MPCLI_SetIoRetryTimeOut, N},
+    {"ioretry", HELP_SET_IORETRY, MPCLI_SetIoRetryConf, N},
+    {"performance_record", HELP_SET_PERFORMANCE_RECORD, MPCLI_SetPerformanceRecord, N},
+    // Listed only in the full usage text.
+    {"stop_iosuspension", "", MPCLI_SetStopIoSuspension, N},
+    {"alarmenable", HELP_SET_ALARMENABLE, MPCLI_SetAlarmEnable, N},
+    {"path_reliability_enable", HELP_SET_PATH_RELIABILITY_ENABLE, MPCLI_SetReliabilityEnable, N},
+    // Path commands.
     {"pathstate", HELP_SET_PATHSTATE, MPCLI_SetPhyPathState, N},
     {"phypathnormal", HELP_SET_PHYPATHNORMAL, MPCLI_SetPhyPathNormal, N},
 });
 
-// The value settings, then the commands.
-constexpr auto kSet = joinRows(g_stCLISettingOptions, kSetPath);
+// The value settings first, in the settings table's order.
+constexpr auto kSet = joinRows(g_stCLISettingOptions, kSetCommands);
 
 constexpr std::array kStart = std::to_array<MPCLI_Option>({
     {"diskdriverupdate", "", MPCLI_StartDiskDriverUpdate, N},

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 #include "bounded/bounded.h"
@@ -385,6 +386,23 @@ uint32_t INTF_UIL_SetFaultPathCheckInterval(const char*, const char* value, UilO
 uint32_t INTF_UIL_SetIdlePathCheckInterval(const char*, const char* value, UilOperLogPara* record)
 {
     return setCommonWithValue("idlepath_check_interval", value, record);
+}
+
+uint32_t INTF_UIL_SetFailbackTime(const char*, const char* value, UilOperLogPara* record)
+{
+    return setCommonWithValue("failbackdelaytime", value, record);
+}
+
+uint32_t INTF_UIL_SetIoRetryConf(const char*, const char* retries, const char* delay, UilOperLogPara* record)
+{
+    if (retries == nullptr || delay == nullptr || record == nullptr) {
+        UIL_ERR("Input parameter is NULL");
+        return MPI_RET_INVALID_PARAM;
+    }
+    const std::string both = std::string(retries) + "," + delay;
+    UIL_TransOperLogValue(both.c_str(), record);
+    const uint32_t ret = setCommonOnly("ioretry", retries);
+    return ret != MPI_RET_SUCCESS ? ret : setCommonOnly("ioretrydelay", delay);
 }
 
 uint32_t INTF_UIL_SetTimeOutDegradedTime(const char*, const char* value, UilOperLogPara* record)

@@ -98,6 +98,11 @@ uint32_t INTF_UIL_SetReliabilityEnable(const char* source, const char* value);
 // missing value or record; the store's code otherwise.
 uint32_t INTF_UIL_SetFaultPathCheckInterval(const char* source, const char* value, UilOperLogPara* record);
 uint32_t INTF_UIL_SetIdlePathCheckInterval(const char* source, const char* value, UilOperLogPara* record);
+uint32_t INTF_UIL_SetFailbackTime(const char* source, const char* value, UilOperLogPara* record);
+// Stores "ioretry", then "ioretrydelay" (a failure ends there); the record
+// carries "<retries>,<delay>" whatever the outcome.
+uint32_t INTF_UIL_SetIoRetryConf(const char* source, const char* retries, const char* delay,
+                                 UilOperLogPara* record);
 
 // The path degradation settings.
 uint32_t INTF_UIL_SetTimeOutDegradedTime(const char* source, const char* value, UilOperLogPara* record);
