@@ -121,7 +121,7 @@ uint8_t MPCLI_ShowEvent(uint32_t argc, char** argv)
     std::vector<EventRow> rows;
     rows.reserve(count);
     for (const MPI_ListNode* n = head.next; n != &head; n = n->next) {
-        rows.push_back(rowOf(*MPCLI_ListRecord<UilEventInfo>(n)));
+        rows.push_back(rowOf(*UIL_ListEntry<UilEventInfo>(n)));
     }
     MPCLI_Print("%s", formatTable(rows).c_str());
     return MPCLI_RESULT_OK;

@@ -244,7 +244,7 @@ uint8_t MPCLI_ShowSupportArrayList(uint32_t argc, char** /*argv*/)
     // Widths: the longest cell of each column, at least its header.
     int widths[3] = {6, 7, 6};
     for (const MPI_ListNode* n = head.next; n != &head; n = n->next) {
-        const UilVendorRule* r = MPCLI_ListRecord<UilVendorRule>(n);
+        const UilVendorRule* r = UIL_ListEntry<UilVendorRule>(n);
         widths[0] = std::max(widths[0], static_cast<int>(std::strlen(r->vendor)));
         widths[1] = std::max(widths[1], static_cast<int>(std::strlen(r->product)));
         widths[2] = std::max(widths[2], static_cast<int>(std::strlen(r->driver)));
@@ -257,7 +257,7 @@ uint8_t MPCLI_ShowSupportArrayList(uint32_t argc, char** /*argv*/)
     table += line;
     table += dash + "\n";
     for (const MPI_ListNode* n = head.next; n != &head; n = n->next) {
-        const UilVendorRule* r = MPCLI_ListRecord<UilVendorRule>(n);
+        const UilVendorRule* r = UIL_ListEntry<UilVendorRule>(n);
         (void)std::snprintf(line, sizeof(line), "%-*s  %-*s  %s\n", widths[0], r->vendor, widths[1], r->product,
                             r->driver);
         table += line;
