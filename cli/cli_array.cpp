@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/cli.h"
+#include "mpi/mpi_scope.h"
 #include "cli/cli_grid.h"
 #include "cli/cli_objects.h"
 #include "cli/cli_print.h"
@@ -71,10 +72,12 @@ uint8_t showArrayTable()
         return MPCLI_RESULT_FAIL;
     }
     MPCLI_Grid grid(kArrayColumns.size());
-    for (const MPI_ListNode* node = arrays.next; node != &arrays; node = node->next) {
-        addArrayRow(grid, *UIL_ListEntry<ArrayInfo>(node));
+    {
+        MPI_Ended<INTF_UIL_EnumerateArrayEnd> owned(&arrays);
+        for (const MPI_ListNode* node = arrays.next; node != &arrays; node = node->next) {
+            addArrayRow(grid, *UIL_ListEntry<ArrayInfo>(node));
+        }
     }
-    INTF_UIL_EnumerateArrayEnd(&arrays);
     MPCLI_WriteGrid(arrayLayout(), grid);
     return MPCLI_RESULT_OK;
 }
@@ -135,8 +138,8 @@ bool showOneArray(uint32_t arrayId, bool verbose)
 {
     ArrayInfo array;
     const uint32_t ret = INTF_UIL_GetArrayInfoStart(arrayId, &array);
+    MPI_Ended<INTF_UIL_GetArrayInfoEnd> owned(&array);
     if (ret != MPI_RET_SUCCESS) {
-        INTF_UIL_GetArrayInfoEnd(&array);
         MPCLI_Print("The disk array whose ID is %u does not exist.\n", arrayId);
         return false;
     }
@@ -145,13 +148,12 @@ bool showOneArray(uint32_t arrayId, bool verbose)
         const uint32_t cfgRet = INTF_UIL_GetFullConfig("", array.sn, &config);
         if (cfgRet != MPI_RET_SUCCESS) {
             UIL_ERR("Get config of array {%u} failed. ret {%u}", arrayId, cfgRet);
-            INTF_UIL_GetArrayInfoEnd(&array);
             MPCLI_Print("Get config information failed.\n");
             return false;
         }
     }
     MPCLI_PrintArraysForDetail(array);
-    INTF_UIL_GetArrayInfoEnd(&array);
+    owned.reset();
     if (verbose) {
         MPCLI_PrintConfigForArray(config);
     }

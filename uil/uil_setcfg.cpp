@@ -2,6 +2,8 @@
 // setters and the operation-log record they fill.
 #include "uil/uil_setcfg.h"
 
+#include "mpi/mpi_scope.h"
+
 #include <algorithm>
 #include <cstring>
 #include <string>
@@ -230,13 +232,14 @@ uint32_t INTF_UIL_SetArrayHandler(const char* item, const char* value, const cha
     }
     UilIdList* vlunIds = nullptr;
     ret = INTF_UIL_EnumerateArrayVlunIdsStart(arrayId, &vlunIds);
-    if (ret != MPI_RET_SUCCESS || vlunIds == nullptr) {
-        UIL_ERR("Enumerate vlun ids of array(%u) failed", arrayId);
-        INTF_UIL_EnumerateVlunIdsEnd(vlunIds);
-        return MPI_RET_FAIL;
+    {
+        MPI_Ended<INTF_UIL_EnumerateVlunIdsEnd> owned(vlunIds);
+        if (ret != MPI_RET_SUCCESS || vlunIds == nullptr) {
+            UIL_ERR("Enumerate vlun ids of array(%u) failed", arrayId);
+            return MPI_RET_FAIL;
+        }
+        removeLunLevelValues(item, *vlunIds);
     }
-    removeLunLevelValues(item, *vlunIds);
-    INTF_UIL_EnumerateVlunIdsEnd(vlunIds);
     ret = UIL_SetArrayConfig(sn, item, value);
     if (ret != MPI_RET_SUCCESS) {
         UIL_ERR("Set %s of array(%s) failed", item, sn);
