@@ -65,7 +65,7 @@ struct LoadedDriver final : SimDocumentSource {
             return nullptr;
         }
         try {
-            return SnapshotObjects(*snapshot);
+            return SnapshotObjects(snapshot);
         } catch (const SimError&) {
             completeDocument();  // a damaged snapshot: the objects are read from the JSON
             return nullptr;

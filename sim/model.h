@@ -68,9 +68,31 @@ public:
     SimPayload widened(size_t size) const { return SimPayload(m_base, size); }
 
 private:
-    void check(size_t off, size_t width) const;
-    uint64_t get(size_t off, size_t width) const;
-    void put(size_t off, size_t width, uint64_t v);
+    // Inline: a large listing answers tens of thousands of requests of a
+    // dozen fields each, and the model must stay out of cvadm's figures.
+    void check(size_t off, size_t width) const
+    {
+        if (off > m_size || width > m_size - off) [[unlikely]] {
+            outOfBounds(off, width);
+        }
+    }
+    uint64_t get(size_t off, size_t width) const
+    {
+        check(off, width);
+        uint64_t v = 0;
+        for (size_t i = 0; i < width; ++i) {
+            v |= static_cast<uint64_t>(m_base[off + i]) << (8 * i);
+        }
+        return v;
+    }
+    void put(size_t off, size_t width, uint64_t v)
+    {
+        check(off, width);
+        for (size_t i = 0; i < width; ++i) {
+            m_base[off + i] = static_cast<uint8_t>(v >> (8 * i));
+        }
+    }
+    [[noreturn]] void outOfBounds(size_t off, size_t width) const;
 
     uint8_t* m_base;
     size_t m_size;
@@ -186,7 +208,8 @@ void CloseSnapshot(SimSnapshot* snap);
 struct SimSnapshotCloser {
     void operator()(SimSnapshot* s) const { CloseSnapshot(s); }
 };
-using SimSnapshotPtr = std::unique_ptr<SimSnapshot, SimSnapshotCloser>;
+// Shared: objects decoded lazily from the mapping keep it alive.
+using SimSnapshotPtr = std::shared_ptr<SimSnapshot>;
 // The snapshot at `path` made from the source `key` names; null when
 // there is none, or it is stale or damaged.
 SimSnapshotPtr OpenSnapshot(const std::string& path, const SimSnapshotKey& key);
@@ -197,7 +220,7 @@ void WriteSnapshot(const std::string& path, const SimSnapshotKey& key, const Jso
 // The snapshot's document without its storage object lists.
 Json SnapshotHead(const SimSnapshot& snap);
 // Its objects; throws SimError when they cannot be read back.
-SimObjectsPtr SnapshotObjects(const SimSnapshot& snap);
+SimObjectsPtr SnapshotObjects(const SimSnapshotPtr& snap);
 
 // ---------------------------------------------------------------------------
 // Reading the topology and state documents with errors that name the place.

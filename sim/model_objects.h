@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -173,6 +174,27 @@ struct SimLogicalPath {
     bool degraded() const;  // carrying I/O, but in a degraded I/O state
 };
 
+class SimSnapshot;
+
+// The disks or VLUNs of a snapshot, decoded one by one at first use: a
+// request about one VLUN does not pay for the 16384 others, nor does a
+// process that asks only about arrays or paths.
+template <typename T>
+class SimLazyObjects {
+public:
+    // `table`: one entry per object, by ascending ID: u32 ID, u32 zero, u64
+    // end of its encoding in `elements` (the encodings lie back to back).
+    // `keep` keeps the mapping that both views point into.
+    SimLazyObjects(std::shared_ptr<const SimSnapshot> keep, std::string_view table, std::string_view elements);
+    const T* find(uint32_t id) const;
+
+private:
+    std::shared_ptr<const SimSnapshot> m_keep;
+    std::string_view m_table;
+    std::string_view m_elements;
+    mutable std::vector<std::unique_ptr<T>> m_decoded;  // by table slot
+};
+
 class SimObjects {
 public:
     // Reads the objects of the driver document. Throws SimError naming the
@@ -183,8 +205,14 @@ public:
     const SimHba* hba(uint32_t id) const { return find(m_hbas, m_hbaIndex, id); }
     const SimHba* hbaByWwn(const std::string& wwn) const;
     const SimPath* path(uint32_t id) const { return find(m_paths, m_pathIndex, id); }
-    const SimDisk* disk(uint32_t id) const { return find(m_disks, m_diskIndex, id); }
-    const SimVlun* vlun(uint32_t id) const { return find(m_vluns, m_vlunIndex, id); }
+    const SimDisk* disk(uint32_t id) const
+    {
+        return m_lazyDisks ? m_lazyDisks->find(id) : find(m_disks, m_diskIndex, id);
+    }
+    const SimVlun* vlun(uint32_t id) const
+    {
+        return m_lazyVluns ? m_lazyVluns->find(id) : find(m_vluns, m_vlunIndex, id);
+    }
 
     const std::vector<SimArray>& arrays() const { return m_arrays; }
     const std::vector<SimHba>& hbas() const { return m_hbas; }
@@ -207,6 +235,11 @@ private:
     static const T* find(const std::vector<T>& all, const std::unordered_map<uint32_t, size_t>& index,
                          uint32_t id)
     {
+        // Topologies number their objects from 0 in order, mostly: then the
+        // ID is the place, and no hashing is needed.
+        if (id < all.size() && all[id].id == id) {
+            return &all[id];
+        }
         auto it = index.find(id);
         return it == index.end() ? nullptr : &all[it->second];
     }
@@ -228,6 +261,9 @@ private:
     std::unordered_map<uint32_t, size_t> m_diskIndex;
     std::unordered_map<uint32_t, size_t> m_vlunIndex;
     std::unordered_map<std::string, size_t> m_hbaWwnIndex;
+    // Set instead of m_disks and m_vluns when the objects come from a snapshot.
+    std::unique_ptr<SimLazyObjects<SimDisk>> m_lazyDisks;
+    std::unique_ptr<SimLazyObjects<SimVlun>> m_lazyVluns;
     bool m_hasStart = false;
     uint64_t m_started = 0;
 };

@@ -1,15 +1,19 @@
 // Snapshots of the parsed driver document (see model.h). The file:
 //
-//   magic "cvsimsn1", the key (7 u64), u64 length + the document without
+//   magic "cvsimsn2", the key (7 u64), u64 length + the document without
 //   its storage object lists (JSON text), u64 length + the storage objects
 //   (the fields of model_objects.h in declaration order: integers
 //   little-endian as stored, texts and lists as a u64 count and their
-//   elements).
+//   elements), except that disks and VLUNs come last as two lookup
+//   sections: u64 length + a table of {u32 ID, u32 0, u64 end} by
+//   ascending ID, u64 length + the objects' encodings back to back.
 //
 // It is mapped, not read: a request that needs no storage object (the
-// driver version) touches only its first page.
+// driver version) touches only its first page, and a disk or VLUN is
+// decoded only when a request asks for it.
 #include "model_objects.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <dlfcn.h>
@@ -22,7 +26,7 @@ namespace cvsim {
 
 namespace {
 
-constexpr char kMagic[8] = {'c', 'v', 's', 'i', 'm', 's', 'n', '1'};
+constexpr char kMagic[8] = {'c', 'v', 's', 'i', 'm', 's', 'n', '2'};
 constexpr size_t kKeyWords = std::size(SimSnapshotKey{}.words);
 constexpr size_t kHeaderSize = sizeof kMagic + 8 * kKeyWords;
 
@@ -96,9 +100,9 @@ public:
             std::memcpy(p, m_in.data() + m_at, n);
             m_at += n;
         }
-        void operator()(uint64_t& v) { raw(&v, sizeof v); }
-        void operator()(uint32_t& v) { raw(&v, sizeof v); }
-        void operator()(uint8_t& v) { raw(&v, sizeof v); }
+        void operator()(uint64_t& v) { fixed(v); }
+        void operator()(uint32_t& v) { fixed(v); }
+        void operator()(uint8_t& v) { fixed(v); }
         void operator()(bool& v)
         {
             uint8_t b = 0;
@@ -106,7 +110,7 @@ public:
             v = b != 0;
         }
         template <size_t N>
-        void operator()(std::array<uint8_t, N>& v) { raw(v.data(), N); }
+        void operator()(std::array<uint8_t, N>& v) { fixed(v); }
         void operator()(std::string& s)
         {
             s.resize(count(1));
@@ -125,8 +129,27 @@ public:
                 Visit(*this, x);
             }
         }
+        // A u64 length and that many bytes, left where they are.
+        void section(std::string_view& out)
+        {
+            size_t n = count(1);
+            out = m_in.substr(m_at, n);
+            m_at += n;
+        }
 
     private:
+        // A field of a size known here: copied without a call, as a
+        // listing decodes a few hundred thousand of them.
+        template <typename T>
+        void fixed(T& v)
+        {
+            if (sizeof v > m_in.size() - m_at) {
+                throw SimError("snapshot: objects cut short");
+            }
+            std::memcpy(&v, m_in.data() + m_at, sizeof v);
+            m_at += sizeof v;
+        }
+
         // An element count that the rest of the input can hold.
         size_t count(size_t minElementSize)
         {
@@ -147,15 +170,26 @@ public:
         Writer w;
         // The writer only reads; the visitors take the objects as mutable
         // so that the reader can share them.
-        Visit(w, const_cast<SimObjects&>(o));
+        SimObjects& m = const_cast<SimObjects&>(o);
+        Fields(w, m.m_hasStart, m.m_started, m.m_arrays, m.m_hbas, m.m_paths);
+        LookupSection(w, m.m_disks);
+        LookupSection(w, m.m_vluns);
         return std::move(w.out);
     }
 
-    static SimObjectsPtr Decode(std::string_view in)
+    static SimObjectsPtr Decode(std::string_view in, const SimSnapshotPtr& keep)
     {
         auto o = std::make_shared<SimObjects>();
         Reader r(in);
-        Visit(r, *o);
+        Fields(r, o->m_hasStart, o->m_started, o->m_arrays, o->m_hbas, o->m_paths);
+        std::string_view table;
+        std::string_view elements;
+        r.section(table);
+        r.section(elements);
+        o->m_lazyDisks = std::make_unique<SimLazyObjects<SimDisk>>(keep, table, elements);
+        r.section(table);
+        r.section(elements);
+        o->m_lazyVluns = std::make_unique<SimLazyObjects<SimVlun>>(keep, table, elements);
         if (!r.done()) {
             throw SimError("snapshot: bytes after the objects");
         }
@@ -163,7 +197,41 @@ public:
         return o;
     }
 
+    // One disk or VLUN of a lookup section.
+    template <typename T>
+    static void DecodeOne(std::string_view in, T& out)
+    {
+        Reader r(in);
+        Visit(r, out);
+        if (!r.done()) {
+            throw SimError("snapshot: a damaged object");
+        }
+    }
+
 private:
+    template <typename T>
+    static void LookupSection(Writer& w, std::vector<T>& all)
+    {
+        std::vector<const T*> byId;
+        byId.reserve(all.size());
+        for (const T& x : all) {
+            byId.push_back(&x);
+        }
+        std::sort(byId.begin(), byId.end(), [](const T* a, const T* b) { return a->id < b->id; });
+        Writer table;
+        Writer elements;
+        for (const T* x : byId) {
+            Visit(elements, *x);
+            table(x->id);
+            table(uint32_t{0});
+            table(static_cast<uint64_t>(elements.out.size()));
+        }
+        w(static_cast<uint64_t>(table.out.size()));
+        w.raw(table.out.data(), table.out.size());
+        w(static_cast<uint64_t>(elements.out.size()));
+        w.raw(elements.out.data(), elements.out.size());
+    }
+
     template <typename IO, typename... F>
     static void Fields(IO& io, F&... f)
     {
@@ -212,11 +280,6 @@ private:
     static void Visit(IO& io, SimVlun& v)
     {
         Fields(io, v.id, v.type, v.pe, v.wwn, v.device, v.disks, v.suspendTimeoutMs, v.suspendSince);
-    }
-    template <typename IO>
-    static void Visit(IO& io, SimObjects& o)
-    {
-        Fields(io, o.m_hasStart, o.m_started, o.m_arrays, o.m_hbas, o.m_paths, o.m_disks, o.m_vluns);
     }
 };
 
@@ -300,7 +363,7 @@ SimSnapshotPtr OpenSnapshot(const std::string& path, const SimSnapshotKey& key)
     if (map == MAP_FAILED) {
         return nullptr;
     }
-    SimSnapshotPtr snap(new SimSnapshot(map, static_cast<size_t>(st.st_size)));
+    SimSnapshotPtr snap(new SimSnapshot(map, static_cast<size_t>(st.st_size)), SimSnapshotCloser{});
     std::string_view all = snap->bytes();
     SimSnapshotKey stored;
     std::memcpy(stored.words, all.data() + sizeof kMagic, sizeof stored.words);
@@ -349,6 +412,64 @@ Json SnapshotHead(const SimSnapshot& snap)
     return head;
 }
 
-SimObjectsPtr SnapshotObjects(const SimSnapshot& snap) { return SimObjectsCodec::Decode(snap.objects); }
+SimObjectsPtr SnapshotObjects(const SimSnapshotPtr& snap) { return SimObjectsCodec::Decode(snap->objects, snap); }
+
+template <typename T>
+SimLazyObjects<T>::SimLazyObjects(std::shared_ptr<const SimSnapshot> keep, std::string_view table,
+                                  std::string_view elements)
+    : m_keep(std::move(keep)), m_table(table), m_elements(elements)
+{
+}
+
+template <typename T>
+const T* SimLazyObjects<T>::find(uint32_t id) const
+{
+    constexpr size_t kEntry = 16;
+    const size_t count = m_table.size() / kEntry;
+    auto idAt = [&](size_t slot) {
+        uint32_t v = 0;
+        std::memcpy(&v, m_table.data() + slot * kEntry, sizeof v);
+        return v;
+    };
+    auto endAt = [&](size_t slot) {
+        uint64_t v = 0;
+        std::memcpy(&v, m_table.data() + slot * kEntry + 8, sizeof v);
+        return v;
+    };
+    // IDs are mostly dense from 0: try the slot of the same number first.
+    size_t lo = 0;
+    size_t hi = count;
+    if (id < count && idAt(id) == id) {
+        lo = hi = id;
+    }
+    while (lo < hi) {
+        size_t mid = lo + (hi - lo) / 2;
+        if (idAt(mid) < id) {
+            lo = mid + 1;
+        } else {
+            hi = mid;
+        }
+    }
+    if (lo == count || idAt(lo) != id) {
+        return nullptr;
+    }
+    if (m_decoded.empty()) {
+        m_decoded.resize(count);
+    }
+    if (!m_decoded[lo]) {
+        uint64_t begin = lo == 0 ? 0 : endAt(lo - 1);
+        uint64_t end = endAt(lo);
+        if (begin > end || end > m_elements.size()) {
+            throw SimError("snapshot: a damaged object table");
+        }
+        auto obj = std::make_unique<T>();
+        SimObjectsCodec::DecodeOne(m_elements.substr(begin, end - begin), *obj);
+        m_decoded[lo] = std::move(obj);
+    }
+    return m_decoded[lo].get();
+}
+
+template class SimLazyObjects<SimDisk>;
+template class SimLazyObjects<SimVlun>;
 
 }  // namespace cvsim

@@ -294,7 +294,9 @@ uint32_t HandleVlunInfo(SimContext& ctx, SimPayload& p)
     for (size_t i = 0; i < v->disks.size(); ++i) {
         p.setU32(vlun::kMemberDisks + 4 * i, v->disks[i]);
     }
-    PutSuspension(p, *v, ctx.now());
+    if (v->suspendTimeoutMs != 0) {  // the clock only for a suspended VLUN: reading it costs
+        PutSuspension(p, *v, ctx.now());
+    }
     return kResultSuccess;
 }
 

@@ -64,12 +64,17 @@ constexpr std::array kRequests = {
 
 const SimRequestRow* FindRequest(uint32_t nr)
 {
-    for (const auto& row : kRequests) {
-        if (row.nr == nr) {
-            return &row;
+    // Looked up once per request: a request number is one byte of the code.
+    static constexpr auto kByNr = [] {
+        std::array<const SimRequestRow*, 256> by{};
+        for (const auto& row : kRequests) {
+            if (row.nr < by.size() && by[row.nr] == nullptr) {
+                by[row.nr] = &row;
+            }
         }
-    }
-    return nullptr;
+        return by;
+    }();
+    return nr < kByNr.size() ? kByNr[nr] : nullptr;
 }
 
 }  // namespace cvsim

@@ -15,30 +15,10 @@ SimCode DecodeCode(unsigned long code)
     return c;
 }
 
-void SimPayload::check(size_t off, size_t width) const
+void SimPayload::outOfBounds(size_t off, size_t width) const
 {
-    if (off > m_size || width > m_size - off) {
-        throw SimError("payload access at " + std::to_string(off) + "+" + std::to_string(width) +
-                       " beyond its " + std::to_string(m_size) + " bytes");
-    }
-}
-
-uint64_t SimPayload::get(size_t off, size_t width) const
-{
-    check(off, width);
-    uint64_t v = 0;
-    for (size_t i = 0; i < width; ++i) {
-        v |= static_cast<uint64_t>(m_base[off + i]) << (8 * i);
-    }
-    return v;
-}
-
-void SimPayload::put(size_t off, size_t width, uint64_t v)
-{
-    check(off, width);
-    for (size_t i = 0; i < width; ++i) {
-        m_base[off + i] = static_cast<uint8_t>(v >> (8 * i));
-    }
+    throw SimError("payload access at " + std::to_string(off) + "+" + std::to_string(width) + " beyond its " +
+                   std::to_string(m_size) + " bytes");
 }
 
 void SimPayload::zero(size_t off, size_t len)

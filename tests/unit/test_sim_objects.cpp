@@ -438,7 +438,7 @@ TEST(SimSnapshot, AnswersAsTheDocumentAndOnlyForItsSource)
     Json head = cvsim::SnapshotHead(*opened);
     EXPECT_FALSE(head.contains("disks"));
     EXPECT_EQ(head["driver"], doc["driver"]);
-    cvsim::SimObjectsPtr fromSnap = cvsim::SnapshotObjects(*opened);
+    cvsim::SimObjectsPtr fromSnap = cvsim::SnapshotObjects(opened);
 
     std::vector<Probe> probes = {{0x0b, {{0, 8}}}, {0x42, {{0, 8}}}, {0x29, {{0, 0x7FFFFFFF}, {4, 16}}}};
     for (uint32_t a : {1u, 3u}) {
