@@ -1,6 +1,8 @@
 #include "cli/cli_grid.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cstring>
 
 #include "cli/cli_out.h"
 
@@ -58,11 +60,28 @@ void MPCLI_AppendHeader(std::string& line, const MPCLI_TableLayout& layout)
 
 void MPCLI_AppendGridRow(std::string& line, const MPCLI_TableLayout& layout, const MPCLI_Grid& grid, size_t row)
 {
+    // The row is laid out in one piece, as MPCLI_AppendCentred would per
+    // cell: blanks over its whole width first, then each text copied to its
+    // place. A listing of 16384 rows of nine cells spent more on appending
+    // pads than on anything else it does.
+    auto cellText = [&](size_t column) {
+        return column < grid.columns() ? grid.cell(row, column) : std::string_view();
+    };
+    size_t total = 1;  // the newline
     for (size_t column = 0; column < layout.columnCount(); ++column) {
-        const std::string_view text = column < grid.columns() ? grid.cell(row, column) : std::string_view();
-        MPCLI_AppendCentred(line, text, layout.width(column) + kCellPad);
+        total += std::max<size_t>(layout.width(column) + kCellPad, cellText(column).size());
     }
-    line.push_back('\n');
+    size_t at = line.size();
+    line.resize(at + total, ' ');
+    char* out = line.data();
+    for (size_t column = 0; column < layout.columnCount(); ++column) {
+        const std::string_view text = cellText(column);
+        const size_t field = layout.width(column) + kCellPad;
+        const size_t spare = field > text.size() ? field - text.size() : 0;
+        std::memcpy(out + at + spare / 2, text.data(), text.size());
+        at += spare + text.size();
+    }
+    out[at] = '\n';
 }
 
 void MPCLI_WriteGrid(MPCLI_TableLayout& layout, const MPCLI_Grid& grid)
