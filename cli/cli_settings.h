@@ -7,6 +7,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 #include <utility>
 
 #include "cli/cli.h"
@@ -105,6 +106,54 @@ uint8_t MPCLI_SettingHandler(uint32_t argc, char** argv)
 {
     return MPCLI_RunSetting(g_stCLISettings[Row], argc, argv);
 }
+
+// The place of a keyword's row; a keyword not in the table does not compile.
+consteval size_t MPCLI_SettingRow(std::string_view keyword)
+{
+    for (size_t i = 0; i < g_stCLISettings.size(); ++i) {
+        if (keyword == g_stCLISettings[i].keyword) {
+            return i;
+        }
+    }
+    throw "no setting of that keyword";
+}
+
+// The handlers of the value settings by their own names: each is the
+// generated handler of its row, so the name and the dispatch row cannot
+// come apart.
+inline constexpr MPCLI_Handler MPCLI_SetFailbackTime = MPCLI_SettingHandler<MPCLI_SettingRow("failbackdelaytime")>;
+inline constexpr MPCLI_Handler MPCLI_SetFaultyPathCheckInterval =
+    MPCLI_SettingHandler<MPCLI_SettingRow("faulty_path_check_interval")>;
+inline constexpr MPCLI_Handler MPCLI_SetIdlePathCheckInterval =
+    MPCLI_SettingHandler<MPCLI_SettingRow("idle_path_check_interval")>;
+inline constexpr MPCLI_Handler MPCLI_SetIOLatencyThreshold =
+    MPCLI_SettingHandler<MPCLI_SettingRow("io_latency_threshold")>;
+inline constexpr MPCLI_Handler MPCLI_SetHighLatencyDegradeTime = MPCLI_SettingHandler<MPCLI_SettingRow("hld_time")>;
+inline constexpr MPCLI_Handler MPCLI_SetHighLatencyDegradeThreshold =
+    MPCLI_SettingHandler<MPCLI_SettingRow("hld_threshold")>;
+inline constexpr MPCLI_Handler MPCLI_SetHighLatencyDegradeRecovery =
+    MPCLI_SettingHandler<MPCLI_SettingRow("hld_recovery_time")>;
+inline constexpr MPCLI_Handler MPCLI_SetTimeOutDegradeTime = MPCLI_SettingHandler<MPCLI_SettingRow("tod_time")>;
+inline constexpr MPCLI_Handler MPCLI_SetTimeOutDegradeThreshold =
+    MPCLI_SettingHandler<MPCLI_SettingRow("tod_threshold")>;
+inline constexpr MPCLI_Handler MPCLI_SetTimeOutDegradeRecovery =
+    MPCLI_SettingHandler<MPCLI_SettingRow("tod_recovery_time")>;
+inline constexpr MPCLI_Handler MPCLI_SetInterErrorDegradeTime = MPCLI_SettingHandler<MPCLI_SettingRow("ied_time")>;
+inline constexpr MPCLI_Handler MPCLI_SetInterErrorDegradeMinIOCount =
+    MPCLI_SettingHandler<MPCLI_SettingRow("ied_min_io")>;
+inline constexpr MPCLI_Handler MPCLI_SetInterErrorDegradeThreshold =
+    MPCLI_SettingHandler<MPCLI_SettingRow("ied_threshold")>;
+inline constexpr MPCLI_Handler MPCLI_SetInterErrorDegradeRecovery =
+    MPCLI_SettingHandler<MPCLI_SettingRow("ied_recovery_time")>;
+inline constexpr MPCLI_Handler MPCLI_SetInterFaultDegradeTime = MPCLI_SettingHandler<MPCLI_SettingRow("ifd_time")>;
+inline constexpr MPCLI_Handler MPCLI_SetInterFaultDegradeThreshold =
+    MPCLI_SettingHandler<MPCLI_SettingRow("ifd_threshold")>;
+inline constexpr MPCLI_Handler MPCLI_SetInterFaultDegradeRecovery =
+    MPCLI_SettingHandler<MPCLI_SettingRow("ifd_recovery_time")>;
+inline constexpr MPCLI_Handler MPCLI_SetSensitiveDelayedThreshold =
+    MPCLI_SettingHandler<MPCLI_SettingRow("sdd_threshold")>;
+inline constexpr MPCLI_Handler MPCLI_SetSensitiveDelayedRecovery =
+    MPCLI_SettingHandler<MPCLI_SettingRow("sdd_recovery_time")>;
 
 // The set dispatch rows of every setting, in table order.
 template <size_t... Rows>

@@ -75,6 +75,43 @@ TEST(Settings, SetTableIsOneRowPerSetting)
     }
 }
 
+// Each named handler is the one its keyword dispatches to.
+TEST(Settings, NamedHandlersAreTheRowsOfTheirKeywords)
+{
+    const std::pair<const char*, MPCLI_Handler> named[] = {
+        {"failbackdelaytime", MPCLI_SetFailbackTime},
+        {"faulty_path_check_interval", MPCLI_SetFaultyPathCheckInterval},
+        {"idle_path_check_interval", MPCLI_SetIdlePathCheckInterval},
+        {"io_latency_threshold", MPCLI_SetIOLatencyThreshold},
+        {"hld_time", MPCLI_SetHighLatencyDegradeTime},
+        {"hld_threshold", MPCLI_SetHighLatencyDegradeThreshold},
+        {"hld_recovery_time", MPCLI_SetHighLatencyDegradeRecovery},
+        {"tod_time", MPCLI_SetTimeOutDegradeTime},
+        {"tod_threshold", MPCLI_SetTimeOutDegradeThreshold},
+        {"tod_recovery_time", MPCLI_SetTimeOutDegradeRecovery},
+        {"ied_time", MPCLI_SetInterErrorDegradeTime},
+        {"ied_min_io", MPCLI_SetInterErrorDegradeMinIOCount},
+        {"ied_threshold", MPCLI_SetInterErrorDegradeThreshold},
+        {"ied_recovery_time", MPCLI_SetInterErrorDegradeRecovery},
+        {"ifd_time", MPCLI_SetInterFaultDegradeTime},
+        {"ifd_threshold", MPCLI_SetInterFaultDegradeThreshold},
+        {"ifd_recovery_time", MPCLI_SetInterFaultDegradeRecovery},
+        {"sdd_threshold", MPCLI_SetSensitiveDelayedThreshold},
+        {"sdd_recovery_time", MPCLI_SetSensitiveDelayedRecovery},
+    };
+    std::set<MPCLI_Handler> distinct;
+    for (const auto& [keyword, handler] : named) {
+        SCOPED_TRACE(keyword);
+        const MPCLI_Option* row = nullptr;
+        for (const MPCLI_Option& option : g_stCLIOptionSetType) {
+            row = std::string(option.keyword) == keyword ? &option : row;
+        }
+        ASSERT_NE(row, nullptr);
+        EXPECT_EQ(row->handler, handler);
+        EXPECT_TRUE(distinct.insert(handler).second);
+    }
+}
+
 TEST(Settings, MalformedWordGetsTheShortUsageWithoutTouchingTheStore)
 {
     char word[] = "tod_time=";
