@@ -66,6 +66,8 @@ public:
     // Enumerations pass a buffer larger than the declared size and say how
     // large in the payload itself (a capacity word); the driver trusts it.
     SimPayload widened(size_t size) const { return SimPayload(m_base, size); }
+    // The whole payload: for answers kept ready in a snapshot.
+    std::span<uint8_t> bytes() const { return {m_base, m_size}; }
 
 private:
     // Inline: a large listing answers tens of thousands of requests of a
@@ -151,6 +153,8 @@ public:
     bool changed() const { return m_changed; }
     // Read once per request, so every time in one answer agrees.
     std::time_t now();
+    // True once now() was read: the answer depends on the clock.
+    bool readClock() const { return m_now.has_value(); }
     // The arrays, paths, disks, VLUNs and HBAs of the driver document,
     // indexed by ID (model_objects.cpp).
     SimObjectsPtr objects();
@@ -213,10 +217,11 @@ using SimSnapshotPtr = std::shared_ptr<SimSnapshot>;
 // The snapshot at `path` made from the source `key` names; null when
 // there is none, or it is stale or damaged.
 SimSnapshotPtr OpenSnapshot(const std::string& path, const SimSnapshotKey& key);
-// Writes the snapshot of `doc` (whose storage objects are `objects`);
-// a failure only costs speed and is not reported.
-void WriteSnapshot(const std::string& path, const SimSnapshotKey& key, const Json& doc,
-                   const SimObjects& objects) noexcept;
+// Writes the snapshot of `doc` (whose storage objects are `objects`) with
+// the ready answers of the read-only record requests; a failure only
+// costs speed and is not reported.
+void WriteSnapshot(const std::string& path, const SimSnapshotKey& key, Json& doc,
+                   const SimObjectsPtr& objects) noexcept;
 // The snapshot's document without its storage object lists.
 Json SnapshotHead(const SimSnapshot& snap);
 // Its objects; throws SimError when they cannot be read back.

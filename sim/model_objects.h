@@ -227,6 +227,11 @@ public:
     // `withDevice` false leaves out the block device name (only the states
     // are wanted).
     SimLogicalPath logicalPath(const SimDisk& disk, const SimPath& path, bool withDevice = true) const;
+    // Copies the snapshot's ready answer to request `nr` about the object
+    // whose u32 ID the payload holds at offset 0; false when there is none
+    // (the handler answers then).
+    bool cannedAnswer(uint32_t nr, SimPayload& p) const;
+
     // Engine and letter naming when the array's capability bit 24 is set.
     static bool pairNaming(const SimArray& array);
 
@@ -264,6 +269,16 @@ private:
     // Set instead of m_disks and m_vluns when the objects come from a snapshot.
     std::unique_ptr<SimLazyObjects<SimDisk>> m_lazyDisks;
     std::unique_ptr<SimLazyObjects<SimVlun>> m_lazyVluns;
+    // Ready answers of a snapshot: per request number, a table like the
+    // lazy objects' and the answers back to back, each `size` bytes.
+    struct Canned {
+        uint32_t nr = 0;
+        size_t size = 0;
+        std::string_view table;
+        std::string_view answers;
+    };
+    std::vector<Canned> m_canned;
+    std::shared_ptr<const SimSnapshot> m_cannedKeep;
     bool m_hasStart = false;
     uint64_t m_started = 0;
 };

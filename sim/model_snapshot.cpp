@@ -1,12 +1,14 @@
 // Snapshots of the parsed driver document (see model.h). The file:
 //
-//   magic "cvsimsn2", the key (7 u64), u64 length + the document without
+//   magic "cvsimsn3", the key (7 u64), u64 length + the document without
 //   its storage object lists (JSON text), u64 length + the storage objects
 //   (the fields of model_objects.h in declaration order: integers
 //   little-endian as stored, texts and lists as a u64 count and their
 //   elements), except that disks and VLUNs come last as two lookup
 //   sections: u64 length + a table of {u32 ID, u32 0, u64 end} by
-//   ascending ID, u64 length + the objects' encodings back to back.
+//   ascending ID, u64 length + the objects' encodings back to back; then
+//   u64 count of ready-answer kinds, each u32 request nr, u32 payload size
+//   and two sections like those (table, answers back to back).
 //
 // It is mapped, not read: a request that needs no storage object (the
 // driver version) touches only its first page, and a disk or VLUN is
@@ -22,11 +24,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <set>
+
 namespace cvsim {
 
 namespace {
 
-constexpr char kMagic[8] = {'c', 'v', 's', 'i', 'm', 's', 'n', '2'};
+constexpr char kMagic[8] = {'c', 'v', 's', 'i', 'm', 's', 'n', '3'};
 constexpr size_t kKeyWords = std::size(SimSnapshotKey{}.words);
 constexpr size_t kHeaderSize = sizeof kMagic + 8 * kKeyWords;
 
@@ -48,6 +52,62 @@ bool ModelFileStat(struct stat& st)
 }
 
 }  // namespace
+
+// A lookup table of the snapshot: one 16-byte entry per object, by
+// ascending ID: u32 ID, u32 zero, u64 end of its bytes in the section that
+// follows. The bytes of `id`, or false when the table has no such ID.
+bool LookUp(std::string_view table, std::string_view data, uint32_t id, std::string_view& out, size_t* slot = nullptr)
+{
+    constexpr size_t kEntry = 16;
+    const size_t count = table.size() / kEntry;
+    auto idAt = [&](size_t i) {
+        uint32_t v = 0;
+        std::memcpy(&v, table.data() + i * kEntry, sizeof v);
+        return v;
+    };
+    auto endAt = [&](size_t i) {
+        uint64_t v = 0;
+        std::memcpy(&v, table.data() + i * kEntry + 8, sizeof v);
+        return v;
+    };
+    // IDs are mostly dense from 0: try the entry of the same number first.
+    size_t lo = 0;
+    size_t hi = count;
+    if (id < count && idAt(id) == id) {
+        lo = hi = id;
+    }
+    while (lo < hi) {
+        size_t mid = lo + (hi - lo) / 2;
+        if (idAt(mid) < id) {
+            lo = mid + 1;
+        } else {
+            hi = mid;
+        }
+    }
+    if (lo == count || idAt(lo) != id) {
+        return false;
+    }
+    uint64_t begin = lo == 0 ? 0 : endAt(lo - 1);
+    uint64_t end = endAt(lo);
+    if (begin > end || end > data.size()) {
+        throw SimError("snapshot: a damaged object table");
+    }
+    out = data.substr(begin, end - begin);
+    if (slot != nullptr) {
+        *slot = lo;
+    }
+    return true;
+}
+
+// The read-only record requests whose answers a snapshot keeps ready: the
+// disk record (0x17) and the VLUN record (0x5f), the two requests a VLUN
+// listing sends per VLUN. The model's share of such a listing is then its
+// request handling alone, so that a measurement shows the program's cost.
+struct CannedRequest {
+    uint32_t nr;
+    bool vluns;  // the IDs asked about: VLUNs, else disks
+};
+constexpr CannedRequest kCannedRequests[] = {{0x17, false}, {0x5f, true}};
 
 // Writes and reads the fields of SimObjects. One visitor per structure
 // serves both directions, so the two cannot disagree on the layout.
@@ -165,7 +225,14 @@ public:
         size_t m_at = 0;
     };
 
-    static std::string Encode(const SimObjects& o)
+    // An answer kept ready: the request, the object's ID, the payload.
+    struct CannedAnswer {
+        uint32_t nr;
+        uint32_t id;
+        std::vector<uint8_t> bytes;
+    };
+
+    static std::string Encode(const SimObjects& o, const std::vector<CannedAnswer>& canned)
     {
         Writer w;
         // The writer only reads; the visitors take the objects as mutable
@@ -174,6 +241,24 @@ public:
         Fields(w, m.m_hasStart, m.m_started, m.m_arrays, m.m_hbas, m.m_paths);
         LookupSection(w, m.m_disks);
         LookupSection(w, m.m_vluns);
+        w(static_cast<uint64_t>(std::size(kCannedRequests)));
+        for (const CannedRequest& req : kCannedRequests) {
+            const SimRequestRow* row = FindRequest(req.nr);
+            w(req.nr);
+            w(static_cast<uint32_t>(row != nullptr ? row->size : 0));
+            Writer table;
+            Writer answers;
+            for (const CannedAnswer& a : canned) {  // by request, then ascending ID
+                if (a.nr == req.nr) {
+                    answers.raw(a.bytes.data(), a.bytes.size());
+                    table(a.id);
+                    table(uint32_t{0});
+                    table(static_cast<uint64_t>(answers.out.size()));
+                }
+            }
+            PutSection(w, table.out);
+            PutSection(w, answers.out);
+        }
         return std::move(w.out);
     }
 
@@ -190,6 +275,19 @@ public:
         r.section(table);
         r.section(elements);
         o->m_lazyVluns = std::make_unique<SimLazyObjects<SimVlun>>(keep, table, elements);
+        uint64_t kinds = 0;
+        r(kinds);
+        for (uint64_t i = 0; i < kinds && i < std::size(kCannedRequests); ++i) {
+            SimObjects::Canned c;
+            uint32_t size = 0;
+            r(c.nr);
+            r(size);
+            c.size = size;
+            r.section(c.table);
+            r.section(c.answers);
+            o->m_canned.push_back(c);
+        }
+        o->m_cannedKeep = keep;
         if (!r.done()) {
             throw SimError("snapshot: bytes after the objects");
         }
@@ -226,10 +324,14 @@ private:
             table(uint32_t{0});
             table(static_cast<uint64_t>(elements.out.size()));
         }
-        w(static_cast<uint64_t>(table.out.size()));
-        w.raw(table.out.data(), table.out.size());
-        w(static_cast<uint64_t>(elements.out.size()));
-        w.raw(elements.out.data(), elements.out.size());
+        PutSection(w, table.out);
+        PutSection(w, elements.out);
+    }
+
+    static void PutSection(Writer& w, const std::string& bytes)
+    {
+        w(static_cast<uint64_t>(bytes.size()));
+        w.raw(bytes.data(), bytes.size());
     }
 
     template <typename IO, typename... F>
@@ -375,8 +477,47 @@ SimSnapshotPtr OpenSnapshot(const std::string& path, const SimSnapshotKey& key)
     return snap;
 }
 
-void WriteSnapshot(const std::string& path, const SimSnapshotKey& key, const Json& doc,
-                   const SimObjects& objects) noexcept
+namespace {
+
+// The answers of kCannedRequests for every disk and VLUN of the arrays, as
+// the handlers give them. An answer that read the clock (a suspended VLUN)
+// or failed is not kept: the handler answers it each time.
+std::vector<SimObjectsCodec::CannedAnswer> CannedAnswers(Json& doc, const SimObjectsPtr& objects)
+{
+    std::vector<SimObjectsCodec::CannedAnswer> out;
+    std::set<uint32_t> disks;
+    std::set<uint32_t> vluns;
+    for (const SimArray& a : objects->arrays()) {
+        disks.insert(a.disks.begin(), a.disks.end());
+        vluns.insert(a.vluns.begin(), a.vluns.end());
+    }
+    SimObjectsPtr slot = objects;
+    for (const CannedRequest& req : kCannedRequests) {
+        const SimRequestRow* row = FindRequest(req.nr);
+        if (row == nullptr) {
+            continue;
+        }
+        for (uint32_t id : req.vluns ? vluns : disks) {
+            std::vector<uint8_t> bytes(row->size);
+            SimPayload p(bytes.data(), bytes.size());
+            p.setU32(0, id);
+            SimContext ctx(doc, &slot);
+            try {
+                if (row->handler(ctx, p) == kResultSuccess && !ctx.readClock() && !ctx.changed()) {
+                    out.push_back({req.nr, id, std::move(bytes)});
+                }
+            } catch (const SimError&) {
+                // answered by the handler, which reports it
+            }
+        }
+    }
+    return out;
+}
+
+}  // namespace
+
+void WriteSnapshot(const std::string& path, const SimSnapshotKey& key, Json& doc,
+                   const SimObjectsPtr& objects) noexcept
 {
     try {
         Json head = doc;
@@ -386,7 +527,7 @@ void WriteSnapshot(const std::string& path, const SimSnapshotKey& key, const Jso
         std::string out(kMagic, sizeof kMagic);
         out.append(reinterpret_cast<const char*>(key.words), sizeof key.words);
         PutSection(out, head.dump());
-        PutSection(out, SimObjectsCodec::Encode(objects));
+        PutSection(out, SimObjectsCodec::Encode(*objects, CannedAnswers(doc, objects)));
         // No fsync: a snapshot lost or cut short by a crash is only stale.
         std::string tmp = path + ".tmp." + std::to_string(::getpid());
         int fd = ::open(tmp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0644);
@@ -424,49 +565,36 @@ SimLazyObjects<T>::SimLazyObjects(std::shared_ptr<const SimSnapshot> keep, std::
 template <typename T>
 const T* SimLazyObjects<T>::find(uint32_t id) const
 {
-    constexpr size_t kEntry = 16;
-    const size_t count = m_table.size() / kEntry;
-    auto idAt = [&](size_t slot) {
-        uint32_t v = 0;
-        std::memcpy(&v, m_table.data() + slot * kEntry, sizeof v);
-        return v;
-    };
-    auto endAt = [&](size_t slot) {
-        uint64_t v = 0;
-        std::memcpy(&v, m_table.data() + slot * kEntry + 8, sizeof v);
-        return v;
-    };
-    // IDs are mostly dense from 0: try the slot of the same number first.
-    size_t lo = 0;
-    size_t hi = count;
-    if (id < count && idAt(id) == id) {
-        lo = hi = id;
-    }
-    while (lo < hi) {
-        size_t mid = lo + (hi - lo) / 2;
-        if (idAt(mid) < id) {
-            lo = mid + 1;
-        } else {
-            hi = mid;
-        }
-    }
-    if (lo == count || idAt(lo) != id) {
+    std::string_view bytes;
+    size_t slot = 0;
+    if (!LookUp(m_table, m_elements, id, bytes, &slot)) {
         return nullptr;
     }
     if (m_decoded.empty()) {
-        m_decoded.resize(count);
+        m_decoded.resize(m_table.size() / 16);
     }
-    if (!m_decoded[lo]) {
-        uint64_t begin = lo == 0 ? 0 : endAt(lo - 1);
-        uint64_t end = endAt(lo);
-        if (begin > end || end > m_elements.size()) {
-            throw SimError("snapshot: a damaged object table");
-        }
+    if (!m_decoded[slot]) {
         auto obj = std::make_unique<T>();
-        SimObjectsCodec::DecodeOne(m_elements.substr(begin, end - begin), *obj);
-        m_decoded[lo] = std::move(obj);
+        SimObjectsCodec::DecodeOne(bytes, *obj);
+        m_decoded[slot] = std::move(obj);
     }
-    return m_decoded[lo].get();
+    return m_decoded[slot].get();
+}
+
+bool SimObjects::cannedAnswer(uint32_t nr, SimPayload& p) const
+{
+    for (const Canned& c : m_canned) {
+        if (c.nr != nr || c.size != p.size()) {
+            continue;
+        }
+        std::string_view answer;
+        if (!LookUp(c.table, c.answers, p.u32(0), answer) || answer.size() != c.size) {
+            return false;
+        }
+        std::memcpy(p.bytes().data(), answer.data(), answer.size());
+        return true;
+    }
+    return false;
 }
 
 template class SimLazyObjects<SimDisk>;

@@ -431,7 +431,7 @@ TEST(SimSnapshot, AnswersAsTheDocumentAndOnlyForItsSource)
     cvsim::SimSnapshotKey key;
     ASSERT_TRUE(cvsim::SnapshotKeyOf(source, key));
     Json doc = Json::parse(kTopology);
-    cvsim::WriteSnapshot(snap, key, doc, *cvsim::SimObjects::Build(doc));
+    cvsim::WriteSnapshot(snap, key, doc, cvsim::SimObjects::Build(doc));
 
     cvsim::SimSnapshotPtr opened = cvsim::OpenSnapshot(snap, key);
     ASSERT_NE(opened, nullptr);
@@ -483,6 +483,34 @@ TEST(SimSnapshot, AnswersAsTheDocumentAndOnlyForItsSource)
         EXPECT_EQ(Send(fromDoc, probe.nr, a), Send(fromSnapshot, probe.nr, b)) << "nr " << probe.nr;
         EXPECT_EQ(a.bytes, b.bytes) << "nr " << probe.nr << " in " << probe.in.front().second;
     }
+    // The answers a snapshot keeps ready are the handlers' own, byte for
+    // byte, for every disk and VLUN but the suspended VLUN 43, whose answer
+    // depends on the clock.
+    std::set<std::pair<uint32_t, uint32_t>> canned;
+    for (const Probe& probe : probes) {
+        if (probe.nr != 0x17 && probe.nr != 0x5f) {
+            continue;
+        }
+        Wire a(DeclaredSize(probe.nr));
+        for (auto [off, v] : probe.in) {
+            a.put32(off, v);
+        }
+        Wire c = a;
+        ASSERT_EQ(Send(fromDoc, probe.nr, a), cvsim::kResultSuccess);
+        cvsim::SimPayload payload(c.bytes.data(), c.bytes.size());
+        if (fromSnap->cannedAnswer(probe.nr, payload)) {
+            canned.insert({probe.nr, probe.in.front().second});
+            EXPECT_EQ(a.bytes, c.bytes) << "nr " << probe.nr << " in " << probe.in.front().second;
+        }
+    }
+    std::set<std::pair<uint32_t, uint32_t>> expected;
+    for (uint32_t d = 20; d <= 26; ++d) {
+        expected.insert({0x17, d});
+    }
+    for (uint32_t v : {40u, 41u, 42u, 44u}) {
+        expected.insert({0x5f, v});
+    }
+    EXPECT_EQ(canned, expected);
     unsetenv("CVSIM_NOW");
 
     // Another source (rewritten: new change time), or another model build,
