@@ -73,28 +73,37 @@ struct DeviceNode {
 constinit DeviceNode g_device;
 constinit pthread_mutex_t g_deviceMutex = PTHREAD_MUTEX_INITIALIZER;
 
-// True when fd is the sandbox's device node: same device and inode.
-bool IsSimDevice(int fd, const char* root)
+// Copies to `root` the sandbox whose device node fd is, and returns true;
+// false when fd is no sandbox's device node. The node of the sandbox last
+// seen is compared first: the descriptor names its sandbox, so a request
+// on it needs neither the environment nor a lookup of the node.
+bool SimDeviceRoot(int fd, char (&root)[PATH_MAX])
 {
     struct stat open{};
     if (::fstat(fd, &open) != 0 || !S_ISREG(open.st_mode)) {
         return false;
     }
     pthread_mutex_lock(&g_deviceMutex);
-    if (std::strcmp(g_device.root, root) != 0) {
+    bool same = g_device.found && g_device.dev == open.st_dev && g_device.ino == open.st_ino;
+    const char* env = same ? nullptr : std::getenv("CVADM_ROOT");
+    if (env != nullptr && *env != '\0' && std::strcmp(g_device.root, env) != 0) {
         g_device.found = false;
+        g_device.root[0] = '\0';
         char path[PATH_MAX];
-        int n = std::snprintf(path, sizeof path, "%s/dev/cvdrv", root);
+        int n = std::snprintf(path, sizeof path, "%s/dev/cvdrv", env);
         struct stat dev{};
-        if (n >= 0 && static_cast<size_t>(n) < sizeof path && std::strlen(root) < sizeof g_device.root &&
+        if (n >= 0 && static_cast<size_t>(n) < sizeof path && std::strlen(env) < sizeof g_device.root &&
             ::stat(path, &dev) == 0) {
             g_device.found = true;
             g_device.dev = dev.st_dev;
             g_device.ino = dev.st_ino;
-            std::strcpy(g_device.root, root);
+            std::strcpy(g_device.root, env);
         }
+        same = g_device.found && g_device.dev == open.st_dev && g_device.ino == open.st_ino;
     }
-    bool same = g_device.found && g_device.dev == open.st_dev && g_device.ino == open.st_ino;
+    if (same) {
+        std::strcpy(root, g_device.root);
+    }
     pthread_mutex_unlock(&g_deviceMutex);
     return same;
 }
@@ -135,8 +144,8 @@ CVSIM_EXPORT int ioctl(int fd, unsigned long request, ...) __THROW
     void* arg = va_arg(ap, void*);
     va_end(ap);
 
-    const char* root = std::getenv("CVADM_ROOT");
-    if (root != nullptr && *root != '\0' && !t_inModel && IsSimDevice(fd, root)) {
+    static thread_local char root[PATH_MAX];
+    if (!t_inModel && SimDeviceRoot(fd, root)) {
         t_inModel = true;
         int ret = cvsim::DeviceIoctl(root, request, arg);
         int err = errno;

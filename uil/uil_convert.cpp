@@ -134,11 +134,9 @@ bool isAscii(const uint8_t* raw, size_t len)
 void UIL_TransNameToGb2312(const uint8_t* raw, size_t len, char* out, size_t size)
 {
     UIL_ASSERT(raw != nullptr && out != nullptr && size > 0);
-    while (len > 0 && raw[len - 1] == 0) {
-        --len;
-    }
     out[0] = '\0';
-    // Text up to the first zero byte is what a C string can carry anyway.
+    // Text up to the first zero byte is what a C string can carry anyway
+    // (which also drops the field's zero padding).
     const void* nul = std::memchr(raw, 0, len);
     if (nul != nullptr) {
         len = static_cast<size_t>(static_cast<const uint8_t*>(nul) - raw);

@@ -1,6 +1,7 @@
 // Controllers (target port groups): TPG requests, the controller lists of
 // arrays, and controller naming.
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 
@@ -269,11 +270,17 @@ void UIL_FormatControllerName(uint32_t controllerId, const char* tpgName, uint32
         setText(out, size, kNoName);
     } else if (tpgName[0] != '\0') {
         setText(out, size, tpgName);
-    } else if ((capability & UIL_CAP_PAIR_NAMING) != 0) {
-        (void)snprintf_s(out, size, size - 1, "%d%c", static_cast<int>(controllerId / 2),
-                         static_cast<char>('A' + (controllerId & 1)));
     } else {
-        (void)snprintf_s(out, size, size - 1, "%u", controllerId);
+        // Engine number and letter ("0A", "7B"), or the plain number; an ID
+        // below the TPG limit has at most two digits, so no formatter is
+        // needed (a VLUN listing names a controller on every row).
+        const bool pair = (capability & UIL_CAP_PAIR_NAMING) != 0;
+        char text[8] = {};
+        char* end = std::to_chars(text, text + sizeof(text) - 2, pair ? controllerId / 2 : controllerId).ptr;
+        if (pair) {
+            *end = static_cast<char>('A' + (controllerId & 1));
+        }
+        setText(out, size, text);
     }
 }
 
