@@ -4,10 +4,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
-// A command handler: argv[0] is the command's own keyword, key=value
-// arguments follow. Returns 1 when the command succeeded.
-using MPCLI_Handler = uint8_t (*)(uint32_t argc, char** argv);
+#include "cli/cli_command.h"
+
+// A command handler: word 0 of the command is its own keyword, the
+// arguments follow, already split. Returns 1 when the command succeeded.
+using MPCLI_Handler = uint8_t (*)(const MPCLI_Command& command);
 
 enum : uint8_t { MPCLI_RESULT_FAIL = 0, MPCLI_RESULT_OK = 1 };
 enum : uint8_t { MPCLI_FLAG_NORMAL = 1, MPCLI_FLAG_DEBUG = 0 };
@@ -17,6 +20,10 @@ struct MPCLI_Option {
     const char* help;  // usage lines of the command; "" for hidden rows
     MPCLI_Handler handler;
     uint8_t flag;      // 1: allowed in normal mode; anything else: debug only
+    // The keys of the argument words the command takes, blank-separated (a
+    // bare word such as "verbose" is its own key); the handler refuses any
+    // other with its own usage text (MPCLI_Command::keysAccepted).
+    const char* keys = nullptr;
 };
 
 using MPCLI_Table = std::span<const MPCLI_Option>;
@@ -47,6 +54,9 @@ uint32_t MPCLI_IsOneLineCmd(const char* token);
 uint8_t MPCLI_NewCmd(uint32_t argc, char** argv);
 uint8_t MPCLI_ExecuteParameter(const char* keyword, uint32_t argc, char** argv, uint32_t rows, const MPCLI_Option* table);
 uint8_t MPCLI_Dispatch(const char* keyword, uint32_t argc, char** argv, MPCLI_Table table);
+// Runs the row of `keyword` in `table` on the words of `command`, whose
+// word 0 is the keyword's own word.
+uint8_t MPCLI_DispatchCommand(std::string_view keyword, const MPCLI_Command& command, MPCLI_Table table);
 uint8_t MPCLI_JudgeEnvironment(const MPCLI_Option* row);
 uint8_t MPCLI_CheckTypeInvlaid(const char* key, const char* raw);
 uint32_t MPCLI_GetOperType(const char* keyword, uint32_t* operType);
@@ -54,36 +64,36 @@ void MPCLI_ControlC(int signo);
 int MPCLI_Main(int argc, char** argv);
 
 // Verb handlers.
-uint8_t MPCLI_Show(uint32_t argc, char** argv);
-uint8_t MPCLI_Set(uint32_t argc, char** argv);
-uint8_t MPCLI_Start(uint32_t argc, char** argv);
-uint8_t MPCLI_Clear(uint32_t argc, char** argv);
-uint8_t MPCLI_Add(uint32_t argc, char** argv);
-uint8_t MPCLI_Del(uint32_t argc, char** argv);
-uint8_t MPCLI_Check(uint32_t argc, char** argv);
-uint8_t MPCLI_Stop(uint32_t argc, char** argv);
+uint8_t MPCLI_Show(const MPCLI_Command& command);
+uint8_t MPCLI_Set(const MPCLI_Command& command);
+uint8_t MPCLI_Start(const MPCLI_Command& command);
+uint8_t MPCLI_Clear(const MPCLI_Command& command);
+uint8_t MPCLI_Add(const MPCLI_Command& command);
+uint8_t MPCLI_Del(const MPCLI_Command& command);
+uint8_t MPCLI_Check(const MPCLI_Command& command);
+uint8_t MPCLI_Stop(const MPCLI_Command& command);
 
 // Help and general commands (cli_help.cpp, cli_misc.cpp).
 void MPCLI_CVMUsage();
 // Prints `text`, then the usage text; returns MPCLI_RESULT_FAIL.
 uint8_t MPCLI_UsageError(const char* text);
-uint8_t MPCLI_Help(uint32_t argc, char** argv);
-uint8_t MPCLI_HelpHelp(uint32_t argc, char** argv);
-uint8_t MPCLI_HelpQuit(uint32_t argc, char** argv);
-uint8_t MPCLI_HelpShow(uint32_t argc, char** argv);
-uint8_t MPCLI_HelpSet(uint32_t argc, char** argv);
-uint8_t MPCLI_HelpStart(uint32_t argc, char** argv);
-uint8_t MPCLI_HelpClear(uint32_t argc, char** argv);
-uint8_t MPCLI_HelpAdd(uint32_t argc, char** argv);
-uint8_t MPCLI_HelpDel(uint32_t argc, char** argv);
-uint8_t MPCLI_HelpCheck(uint32_t argc, char** argv);
-uint8_t MPCLI_HelpGenerateprkey(uint32_t argc, char** argv);
-uint8_t MPCLI_HelpStop(uint32_t argc, char** argv);
-uint8_t MPCLI_ShowVersion(uint32_t argc, char** argv);
-uint8_t MPCLI_GenClusterKey(uint32_t argc, char** argv);
-uint8_t MPCLI_CheckStatus(uint32_t argc, char** argv);
-uint8_t MPCLI_ShowWorker(uint32_t argc, char** argv);
-uint8_t MPCLI_StartDiskDriverUpdate(uint32_t argc, char** argv);
+uint8_t MPCLI_Help(const MPCLI_Command& command);
+uint8_t MPCLI_HelpHelp(const MPCLI_Command& command);
+uint8_t MPCLI_HelpQuit(const MPCLI_Command& command);
+uint8_t MPCLI_HelpShow(const MPCLI_Command& command);
+uint8_t MPCLI_HelpSet(const MPCLI_Command& command);
+uint8_t MPCLI_HelpStart(const MPCLI_Command& command);
+uint8_t MPCLI_HelpClear(const MPCLI_Command& command);
+uint8_t MPCLI_HelpAdd(const MPCLI_Command& command);
+uint8_t MPCLI_HelpDel(const MPCLI_Command& command);
+uint8_t MPCLI_HelpCheck(const MPCLI_Command& command);
+uint8_t MPCLI_HelpGenerateprkey(const MPCLI_Command& command);
+uint8_t MPCLI_HelpStop(const MPCLI_Command& command);
+uint8_t MPCLI_ShowVersion(const MPCLI_Command& command);
+uint8_t MPCLI_GenClusterKey(const MPCLI_Command& command);
+uint8_t MPCLI_CheckStatus(const MPCLI_Command& command);
+uint8_t MPCLI_ShowWorker(const MPCLI_Command& command);
+uint8_t MPCLI_StartDiskDriverUpdate(const MPCLI_Command& command);
 uint8_t MPCLI_RiskPrompt(const char* prompt);
 
 // Shared reporters of a failed code.

@@ -161,19 +161,19 @@ bool showOneArray(uint32_t arrayId, bool verbose)
     return true;
 }
 
-uint8_t showArrayDetails(uint32_t argc, char** argv)
+uint8_t showArrayDetails(const MPCLI_Command& command)
 {
     uint32_t ids[MPCLI_MAX_IDS] = {};
     uint32_t count = 0;
-    if (MPCLI_GetEqualDigitalValues(argv[1], "id", ids, MPCLI_MAX_IDS, &count, MPCLI_ID_ARRAY) != 1) {
+    if (MPCLI_ReadIdList(command[1], "id", ids, MPCLI_MAX_IDS, &count, MPCLI_ID_ARRAY) != 1) {
         MPCLI_Print("Usage:\n%s", kUsageLine);
         return MPCLI_RESULT_FAIL;
     }
     if (count == 0) {
         return printInvalidUsage();
     }
-    const bool verbose = argc == kMaxWords;
-    if (verbose && std::strcmp(argv[2], "verbose") != 0) {
+    const bool verbose = command.size() == kMaxWords;
+    if (verbose && (!command.keysAccepted() || !command[2].is("verbose"))) {
         return printInvalidUsage();
     }
     uint8_t result = MPCLI_RESULT_OK;
@@ -187,18 +187,18 @@ uint8_t showArrayDetails(uint32_t argc, char** argv)
 
 }  // namespace
 
-uint8_t MPCLI_ShowArray(uint32_t argc, char** argv)
+uint8_t MPCLI_ShowArray(const MPCLI_Command& command)
 {
-    if (argc == 0 || argv == nullptr || argv[0] == nullptr) {
+    if (command.size() == 0) {
         MPCLI_Print("Error: Need more option\n");
         MPCLI_CVMUsage();
         return MPCLI_RESULT_FAIL;
     }
-    if (argc > kMaxWords) {
+    if (command.size() > kMaxWords) {
         return printInvalidUsage();
     }
-    if (argc == 1) {
+    if (command.size() == 1) {
         return showArrayTable();
     }
-    return showArrayDetails(argc, argv);
+    return showArrayDetails(command);
 }

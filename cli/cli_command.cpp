@@ -18,7 +18,7 @@ MPCLI_Word MPCLI_SplitWord(std::string_view raw)
     return word;
 }
 
-MPCLI_Command::MPCLI_Command(uint32_t argc, char* const* argv)
+MPCLI_Line::MPCLI_Line(uint32_t argc, char* const* argv)
 {
     m_words.reserve(std::max<uint32_t>(argc, 1));
     for (uint32_t i = 0; i < argc && argv != nullptr && argv[i] != nullptr; ++i) {
@@ -29,9 +29,38 @@ MPCLI_Command::MPCLI_Command(uint32_t argc, char* const* argv)
     }
 }
 
+MPCLI_Command::MPCLI_Command(uint32_t argc, char* const* argv)
+{
+    auto words = std::make_shared<std::vector<MPCLI_Word>>();
+    for (uint32_t i = 0; i < argc && argv != nullptr && argv[i] != nullptr; ++i) {
+        words->push_back(MPCLI_SplitWord(argv[i]));
+    }
+    if (words->empty()) {
+        words->emplace_back();
+    }
+    m_words = *words;
+    m_split = std::move(words);
+}
+
 bool MPCLI_Command::keysIn(std::initializer_list<std::string_view> keys) const
 {
     return std::all_of(args().begin(), args().end(), [&](const MPCLI_Word& word) {
         return std::find(keys.begin(), keys.end(), word.key) != keys.end();
+    });
+}
+
+bool MPCLI_Command::keysAccepted() const
+{
+    const std::string_view keys = m_keys != nullptr ? m_keys : "";
+    return std::all_of(args().begin(), args().end(), [&](const MPCLI_Word& word) {
+        // Each key of the row is a whole blank-separated word of the list.
+        for (size_t at = 0; at < keys.size();) {
+            const size_t end = std::min(keys.find(' ', at), keys.size());
+            if (!word.key.empty() && keys.substr(at, end - at) == word.key) {
+                return true;
+            }
+            at = end + 1;
+        }
+        return false;
     });
 }

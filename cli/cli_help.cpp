@@ -6,7 +6,7 @@
 #include "cli/cli_helptext.h"
 #include "mpi/mpi_usr.h"
 
-static uint8_t MPCLI_ExecuteHelpOption(const char* keyword, MPCLI_Table table);
+static uint8_t MPCLI_ExecuteHelpOption(std::string_view keyword, MPCLI_Table table);
 
 namespace {
 
@@ -21,23 +21,23 @@ uint8_t invalidHelpInput()
     return MPCLI_RESULT_FAIL;
 }
 
-// `help <verb> [object]`: argv[0] is the verb.
-uint8_t helpVerb(uint32_t argc, char** argv, MPCLI_Table table)
+// `help <verb> [object]`: word 0 is the verb.
+uint8_t helpVerb(const MPCLI_Command& command, MPCLI_Table table)
 {
-    if (argc == 1) {
+    if (command.size() == 1) {
         MPCLI_Print("%s", kNeedSubCommand);
         return MPCLI_RESULT_OK;
     }
-    if (argc == 2 && argv != nullptr && argv[1] != nullptr) {
-        return MPCLI_ExecuteHelpOption(argv[1], table);
+    if (command.size() == 2) {
+        return MPCLI_ExecuteHelpOption(command[1].raw, table);
     }
     return invalidHelpInput();
 }
 
 // A help word that takes nothing after it prints its own line.
-uint8_t helpSingle(uint32_t argc, const char* text)
+uint8_t helpSingle(const MPCLI_Command& command, const char* text)
 {
-    if (argc != 1) {
+    if (command.size() != 1) {
         return invalidHelpInput();
     }
     MPCLI_Print("%s", text);
@@ -47,11 +47,10 @@ uint8_t helpSingle(uint32_t argc, const char* text)
 }  // namespace
 
 // Prints the help of one object keyword of a verb's table.
-static uint8_t MPCLI_ExecuteHelpOption(const char* keyword, MPCLI_Table table)
+static uint8_t MPCLI_ExecuteHelpOption(std::string_view keyword, MPCLI_Table table)
 {
-    MPI_ASSERT_IN(MPI_MOD_UIL, MPI_SRC_CLI_MISC, keyword != NULL);
     for (const MPCLI_Option& row : table) {
-        if (std::strcmp(keyword, row.keyword) != 0) {
+        if (keyword != row.keyword) {
             continue;
         }
         if (g_bCLIDebugCmdOn == 0 && row.flag != MPCLI_FLAG_NORMAL) {
@@ -66,41 +65,32 @@ static uint8_t MPCLI_ExecuteHelpOption(const char* keyword, MPCLI_Table table)
 }
 
 // `help` or `?`, followed by at most a verb and an object keyword.
-uint8_t MPCLI_Help(uint32_t argc, char** argv)
+uint8_t MPCLI_Help(const MPCLI_Command& command)
 {
-    if (argc == 1) {
+    if (command.size() == 1) {
         MPCLI_CVMUsage();
         return MPCLI_RESULT_OK;
     }
-    if (argc < 2 || argc > 3 || argv == nullptr || argv[1] == nullptr) {
+    if (command.size() > 3) {
         return invalidHelpInput();
     }
-    return MPCLI_Dispatch(argv[1], argc - 1, argv + 1, g_stCLIHelpOptionType);
+    return MPCLI_DispatchCommand(command[1].raw, command.object(), g_stCLIHelpOptionType);
 }
 
-uint8_t MPCLI_HelpHelp(uint32_t argc, char** argv)
+uint8_t MPCLI_HelpHelp(const MPCLI_Command& command)
 {
-    if (argv == nullptr || argv[0] == nullptr) {
-        return invalidHelpInput();
-    }
-    return helpSingle(argc, std::strcmp(argv[0], "?") == 0 ? HELP_QUESTION : HELP_HELP);
+    return helpSingle(command, command[0].is("?") ? HELP_QUESTION : HELP_HELP);
 }
 
-uint8_t MPCLI_HelpQuit(uint32_t argc, char** /*argv*/)
-{
-    return helpSingle(argc, HELP_QUIT);
-}
+uint8_t MPCLI_HelpQuit(const MPCLI_Command& command) { return helpSingle(command, HELP_QUIT); }
 
-uint8_t MPCLI_HelpGenerateprkey(uint32_t argc, char** /*argv*/)
-{
-    return helpSingle(argc, HELP_GENPRKEY);
-}
+uint8_t MPCLI_HelpGenerateprkey(const MPCLI_Command& command) { return helpSingle(command, HELP_GENPRKEY); }
 
-uint8_t MPCLI_HelpShow(uint32_t argc, char** argv) { return helpVerb(argc, argv, g_stCLIOptionShowType); }
-uint8_t MPCLI_HelpSet(uint32_t argc, char** argv) { return helpVerb(argc, argv, g_stCLIOptionSetType); }
-uint8_t MPCLI_HelpStart(uint32_t argc, char** argv) { return helpVerb(argc, argv, g_stCLIOptionStartType); }
-uint8_t MPCLI_HelpClear(uint32_t argc, char** argv) { return helpVerb(argc, argv, g_stCLIOptionClearType); }
-uint8_t MPCLI_HelpAdd(uint32_t argc, char** argv) { return helpVerb(argc, argv, g_stCLIOptionAddType); }
-uint8_t MPCLI_HelpDel(uint32_t argc, char** argv) { return helpVerb(argc, argv, g_stCLIOptionDelType); }
-uint8_t MPCLI_HelpCheck(uint32_t argc, char** argv) { return helpVerb(argc, argv, g_stCLIOptionCheckType); }
-uint8_t MPCLI_HelpStop(uint32_t argc, char** argv) { return helpVerb(argc, argv, g_stCLIOptionStopType); }
+uint8_t MPCLI_HelpShow(const MPCLI_Command& command) { return helpVerb(command, g_stCLIOptionShowType); }
+uint8_t MPCLI_HelpSet(const MPCLI_Command& command) { return helpVerb(command, g_stCLIOptionSetType); }
+uint8_t MPCLI_HelpStart(const MPCLI_Command& command) { return helpVerb(command, g_stCLIOptionStartType); }
+uint8_t MPCLI_HelpClear(const MPCLI_Command& command) { return helpVerb(command, g_stCLIOptionClearType); }
+uint8_t MPCLI_HelpAdd(const MPCLI_Command& command) { return helpVerb(command, g_stCLIOptionAddType); }
+uint8_t MPCLI_HelpDel(const MPCLI_Command& command) { return helpVerb(command, g_stCLIOptionDelType); }
+uint8_t MPCLI_HelpCheck(const MPCLI_Command& command) { return helpVerb(command, g_stCLIOptionCheckType); }
+uint8_t MPCLI_HelpStop(const MPCLI_Command& command) { return helpVerb(command, g_stCLIOptionStopType); }

@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdarg>
@@ -42,12 +43,12 @@ constexpr const char kPrompt[] = "\nCorvane CLI #%u >";
 uint8_t needMoreOption() { return MPCLI_UsageError("Error: Need more option\n"); }
 
 // Verbs that just dispatch their object keyword in their own table.
-uint8_t dispatchObject(uint32_t argc, char** argv, MPCLI_Table table)
+uint8_t dispatchObject(const MPCLI_Command& command, MPCLI_Table table)
 {
-    if (argc < 2 || argv == nullptr || argv[1] == nullptr) {
+    if (command.size() < 2) {
         return needMoreOption();
     }
-    return MPCLI_Dispatch(argv[1], argc - 1, argv + 1, table);
+    return MPCLI_DispatchCommand(command[1].raw, command.object(), table);
 }
 
 bool installSigint(struct sigaction* old)
@@ -346,7 +347,15 @@ uint8_t MPCLI_NewCmd(uint32_t argc, char** argv)
         --argc;
         ++argv;
     }
-    const uint8_t result = MPCLI_Dispatch(argv[0], argc, argv, g_stCLIOptionsType);
+    if (argc == 0 && argv[0] == nullptr) {
+        UIL_TRACE_NULL("pcOption");  // only the program's own name was given
+        return MPCLI_RESULT_FAIL;
+    }
+    // The one place a command's words are split. A line of blanks is one
+    // empty word, which no table knows.
+    const MPCLI_Line line(std::max<uint32_t>(argc, 1), argv);
+    const MPCLI_Command command = line.command();
+    const uint8_t result = MPCLI_DispatchCommand(command[0].raw, command, g_stCLIOptionsType);
     // A change whose log line could not be written has not fully happened.
     return MPCLI_TakeOperLogFailure() ? static_cast<uint8_t>(MPCLI_RESULT_FAIL) : result;
 }
@@ -354,28 +363,29 @@ uint8_t MPCLI_NewCmd(uint32_t argc, char** argv)
 // ---------------------------------------------------------------------------
 // Verbs.
 
-uint8_t MPCLI_Show(uint32_t argc, char** argv) { return dispatchObject(argc, argv, g_stCLIOptionShowType); }
-uint8_t MPCLI_Start(uint32_t argc, char** argv) { return dispatchObject(argc, argv, g_stCLIOptionStartType); }
-uint8_t MPCLI_Clear(uint32_t argc, char** argv) { return dispatchObject(argc, argv, g_stCLIOptionClearType); }
-uint8_t MPCLI_Add(uint32_t argc, char** argv) { return dispatchObject(argc, argv, g_stCLIOptionAddType); }
-uint8_t MPCLI_Del(uint32_t argc, char** argv) { return dispatchObject(argc, argv, g_stCLIOptionDelType); }
-uint8_t MPCLI_Check(uint32_t argc, char** argv) { return dispatchObject(argc, argv, g_stCLIOptionCheckType); }
-uint8_t MPCLI_Stop(uint32_t argc, char** argv) { return dispatchObject(argc, argv, g_stCLIOptionStopType); }
+uint8_t MPCLI_Show(const MPCLI_Command& command) { return dispatchObject(command, g_stCLIOptionShowType); }
+uint8_t MPCLI_Start(const MPCLI_Command& command) { return dispatchObject(command, g_stCLIOptionStartType); }
+uint8_t MPCLI_Clear(const MPCLI_Command& command) { return dispatchObject(command, g_stCLIOptionClearType); }
+uint8_t MPCLI_Add(const MPCLI_Command& command) { return dispatchObject(command, g_stCLIOptionAddType); }
+uint8_t MPCLI_Del(const MPCLI_Command& command) { return dispatchObject(command, g_stCLIOptionDelType); }
+uint8_t MPCLI_Check(const MPCLI_Command& command) { return dispatchObject(command, g_stCLIOptionCheckType); }
+uint8_t MPCLI_Stop(const MPCLI_Command& command) { return dispatchObject(command, g_stCLIOptionStopType); }
 
-uint8_t MPCLI_Set(uint32_t argc, char** argv)
+uint8_t MPCLI_Set(const MPCLI_Command& command)
 {
-    if (argc < 2 || argv == nullptr || argv[1] == nullptr) {
+    if (command.size() < 2) {
         return needMoreOption();
     }
     // The key is the text before "="; a bare word is its own key, and so is
     // a word whose key would not fit the key buffer.
-    const MPCLI_Word word = MPCLI_SplitWord(argv[1]);
+    const MPCLI_Word& word = command[1];
     const bool ownKey = !word.hasEqual || word.raw == "default" || word.key.size() > kArgBufferLen;
     const std::string key(ownKey ? word.raw.substr(0, kArgBufferLen) : word.key);
-    if (MPCLI_CheckTypeInvlaid(key.c_str(), argv[1]) == 0) {
+    const std::string raw(word.raw);
+    if (MPCLI_CheckTypeInvlaid(key.c_str(), raw.c_str()) == 0) {
         return MPCLI_UsageError("Error: Input Option is not supported.\n");
     }
-    return MPCLI_Dispatch(key.c_str(), argc - 1, argv + 1, g_stCLIOptionSetType);
+    return MPCLI_DispatchCommand(key, command.object(), g_stCLIOptionSetType);
 }
 
 uint8_t MPCLI_CheckTypeInvlaid(const char* key, const char* raw)

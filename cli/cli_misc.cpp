@@ -166,9 +166,10 @@ void MPCLI_PrintfErrorInfo(uint32_t code, const char* objectId, uint8_t perVlun)
     }
 }
 
-uint8_t MPCLI_ShowVersion(uint32_t argc, char** argv)
+uint8_t MPCLI_ShowVersion(const MPCLI_Command& command)
 {
-    if (argc > 2 || (argc == 2 && std::strcmp(argv[1], "verbose") != 0)) {
+    // "verbose" is a bare word, not a key with a value.
+    if (command.size() > 2 || !command.keysAccepted() || (command.size() == 2 && command[1].hasEqual)) {
         MPCLI_Print("Error: Invalid input!\nUsage:\n            -- show version [verbose]\n");
         return MPCLI_RESULT_FAIL;
     }
@@ -179,15 +180,15 @@ uint8_t MPCLI_ShowVersion(uint32_t argc, char** argv)
     }
     MPCLI_Print("Software Version   : %s\n", UIL_SOFTWARE_VERSION);
     MPCLI_Print("Driver   Version   : %s\n", driverVersion);
-    if (argc == 2) {
+    if (command.size() == 2) {
         MPCLI_Print("Product  Version   : %s\n", UIL_PRODUCT_VERSION);
     }
     return MPCLI_RESULT_OK;
 }
 
-uint8_t MPCLI_GenClusterKey(uint32_t argc, char** argv)
+uint8_t MPCLI_GenClusterKey(const MPCLI_Command& command)
 {
-    if (argc > 1) {
+    if (command.size() > 1) {
         MPCLI_Print("Error: Invalid input!\n Usage:\n    -- genprkey\n");
         return MPCLI_RESULT_FAIL;
     }
@@ -195,13 +196,13 @@ uint8_t MPCLI_GenClusterKey(uint32_t argc, char** argv)
     (void)INTF_UIL_GenClusterKey(key, sizeof(key));
     MPCLI_Print("%s\n", key);
     UIL_TRACE(MPI_LOG_INFO, "Generate pr key {%s} execute succeed", key);
-    MPCLI_OperLog("set", argc, argv, UIL_OPER_GEN_PRKEY, MPCLI_RESULT_OK, nullptr);
+    MPCLI_OperLog("set", command, UIL_OPER_GEN_PRKEY, MPCLI_RESULT_OK, nullptr);
     return MPCLI_RESULT_OK;
 }
 
-uint8_t MPCLI_CheckStatus(uint32_t argc, char** /*argv*/)
+uint8_t MPCLI_CheckStatus(const MPCLI_Command& command)
 {
-    if (argc > 1) {
+    if (command.size() > 1) {
         MPCLI_Print("Error: Invalid input!\nUsage:\n    -- check status\n");
         return MPCLI_RESULT_FAIL;
     }
@@ -218,9 +219,9 @@ uint8_t MPCLI_CheckStatus(uint32_t argc, char** /*argv*/)
     return MPCLI_RESULT_OK;
 }
 
-uint8_t MPCLI_ShowWorker(uint32_t argc, char** /*argv*/)
+uint8_t MPCLI_ShowWorker(const MPCLI_Command& command)
 {
-    if (argc > 1) {
+    if (command.size() > 1) {
         MPCLI_Print("Error: Invalid input!\n Usage:\n%s", HELP_SHOW_WORKERSTATE);
         return MPCLI_RESULT_FAIL;
     }
@@ -241,7 +242,7 @@ uint8_t MPCLI_ShowWorker(uint32_t argc, char** /*argv*/)
     return MPCLI_RESULT_OK;
 }
 
-uint8_t MPCLI_StartDiskDriverUpdate(uint32_t /*argc*/, char** /*argv*/)
+uint8_t MPCLI_StartDiskDriverUpdate(const MPCLI_Command& /*command*/)
 {
     UIL_ERR("This function is only for Windows OS");
     return MPCLI_RESULT_FAIL;

@@ -6,10 +6,11 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "cli/cli_command.h"
 #include "uil/uil_objects.h"
 
 // Handlers of `show array`, `show vlun` and `show path`.
-uint8_t MPCLI_ShowArray(uint32_t argc, char** argv);
+uint8_t MPCLI_ShowArray(const MPCLI_Command& command);
 uint8_t MPCLI_ShowVLun(uint32_t argc, char** argv);
 uint8_t MPCLI_ShowPath(uint32_t argc, char** argv);
 

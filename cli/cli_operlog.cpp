@@ -1,10 +1,12 @@
 #include "cli/cli_operlog.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
 
 #include "bounded/bounded.h"
 #include "cli/cli.h"
+#include "cli/cli_command.h"
 #include "uil/uil.h"
 
 namespace {
@@ -33,11 +35,10 @@ void MPCLI_BuildCommandText(uint32_t argc, char** argv, char* out, size_t size)
     (void)strncpy_s(out, size, text.c_str(), size - 1);
 }
 
-void MPCLI_OperLog(const char* verb, uint32_t argc, char** argv, uint32_t eventId, uint8_t result,
-                   const UilOperLogPara* record)
+namespace {
+
+void writeLine(const char* verb, const char* command, uint32_t eventId, uint8_t result, const UilOperLogPara* record)
 {
-    char command[kCommandLen];
-    MPCLI_BuildCommandText(argc, argv, command, sizeof(command));
     const uint32_t ret = UIL_OperLog(kSource, verb, command, eventId, result, record);
     if (ret == MPI_RET_SUCCESS || ret == UIL_OPERLOG_SWITCHED_OFF) {
         return;
@@ -49,6 +50,28 @@ void MPCLI_OperLog(const char* verb, uint32_t argc, char** argv, uint32_t eventI
     std::fprintf(stderr, "cvadm: the operation log line was not written%s%s\n", *cause != '\0' ? ": " : ".",
                  cause);
     g_bOperLogFailed = true;
+}
+
+}  // namespace
+
+void MPCLI_OperLog(const char* verb, uint32_t argc, char** argv, uint32_t eventId, uint8_t result,
+                   const UilOperLogPara* record)
+{
+    char command[kCommandLen];
+    MPCLI_BuildCommandText(argc, argv, command, sizeof(command));
+    writeLine(verb, command, eventId, result, record);
+}
+
+void MPCLI_OperLog(const char* verb, const MPCLI_Command& command, uint32_t eventId, uint8_t result,
+                   const UilOperLogPara* record)
+{
+    std::string text;
+    for (const MPCLI_Word& word : command.words()) {
+        text += ' ';
+        text += word.raw;
+    }
+    text.resize(std::min(text.size(), kCommandLen - 1));
+    writeLine(verb, text.c_str(), eventId, result, record);
 }
 
 bool MPCLI_TakeOperLogFailure()

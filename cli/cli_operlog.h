@@ -18,6 +18,13 @@ void MPCLI_BuildCommandText(uint32_t argc, char** argv, char* out, size_t size);
 void MPCLI_OperLog(const char* verb, uint32_t argc, char** argv, uint32_t eventId, uint8_t result,
                    const UilOperLogPara* record);
 
+class MPCLI_Command;
+// The same for a parsed command: its words after word 0 are the line's
+// words after the verb only when word 0 is the verb's object keyword, so
+// `command` is the handler's own command (its keyword is logged too).
+void MPCLI_OperLog(const char* verb, const MPCLI_Command& command, uint32_t eventId, uint8_t result,
+                   const UilOperLogPara* record);
+
 // True once since the last call when an operation-log line of the current
 // command could not be written; the shell turns the command into a failure.
 bool MPCLI_TakeOperLogFailure();

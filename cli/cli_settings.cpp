@@ -38,11 +38,10 @@ uint32_t MPCLI_SetIoLatencyThresholdValue(const char* /*source*/, const char* va
     return INTF_UIL_SetIOLatencyThreshold(value);
 }
 
-uint8_t MPCLI_RunSetting(const MPCLI_Setting& row, uint32_t argc, char** argv)
+uint8_t MPCLI_RunSetting(const MPCLI_Setting& row, const MPCLI_Command& command)
 {
-    const MPCLI_Command command(argc, argv);
     const MPCLI_Word& word = command[0];
-    if (argc != 1 || !word.hasValue() || word.value.size() > kValueLen) {
+    if (command.size() != 1 || !word.hasValue() || word.value.size() > kValueLen) {
         return printShortUsage(row);
     }
     const std::string value(word.value);
@@ -58,13 +57,13 @@ uint8_t MPCLI_RunSetting(const MPCLI_Setting& row, uint32_t argc, char** argv)
     } else {
         MPCLI_PrintfInternalErrorInfo(ret);
     }
-    MPCLI_OperLog(kVerb, argc, argv, row.eventId, result, &record);
+    MPCLI_OperLog(kVerb, command, row.eventId, result, &record);
     return result;
 }
 
-uint8_t MPCLI_ShowIoLatencyThreshold(uint32_t argc, char** /*argv*/)
+uint8_t MPCLI_ShowIoLatencyThreshold(const MPCLI_Command& command)
 {
-    if (argc != 1) {
+    if (command.size() != 1) {
         MPCLI_Print("Error: Invalid input!\nUsage:\n    -- show io_latency_threshold\n");
         return MPCLI_RESULT_FAIL;
     }

@@ -98,13 +98,13 @@ inline constexpr auto kSettings = std::to_array<MPCLI_Setting>({
 
 inline constexpr const auto& g_stCLISettings = mpcli_settings::kSettings;
 
-// Runs `set <keyword>=<value>` for one row: argv[0] is the key=value word.
-uint8_t MPCLI_RunSetting(const MPCLI_Setting& row, uint32_t argc, char** argv);
+// Runs `set <keyword>=<value>` for one row: word 0 is the key=value word.
+uint8_t MPCLI_RunSetting(const MPCLI_Setting& row, const MPCLI_Command& command);
 
 template <size_t Row>
-uint8_t MPCLI_SettingHandler(uint32_t argc, char** argv)
+uint8_t MPCLI_SettingHandler(const MPCLI_Command& command)
 {
-    return MPCLI_RunSetting(g_stCLISettings[Row], argc, argv);
+    return MPCLI_RunSetting(g_stCLISettings[Row], command);
 }
 
 // The place of a keyword's row; a keyword not in the table does not compile.
@@ -168,4 +168,4 @@ inline constexpr auto g_stCLISettingOptions =
 
 // `show io_latency_threshold`: the stored threshold, or an error when the
 // file holds something that is not a valid threshold.
-uint8_t MPCLI_ShowIoLatencyThreshold(uint32_t argc, char** argv);
+uint8_t MPCLI_ShowIoLatencyThreshold(const MPCLI_Command& command);

@@ -8,10 +8,14 @@
 #include "cli/cli_pathset.h"
 #include "cli/cli_reliability.h"
 #include "cli/cli_settings.h"
+#include "cli/cli_words.h"
 
 namespace {
 
 constexpr uint8_t N = MPCLI_FLAG_NORMAL;
+
+// A row is keyword, help, handler, flag and the keys of the argument words
+// the command takes (none when absent).
 
 constexpr std::array kOptions = std::to_array<MPCLI_Option>({
     {"help", HELP_HELP, MPCLI_Help, N},
@@ -28,22 +32,22 @@ constexpr std::array kOptions = std::to_array<MPCLI_Option>({
 });
 
 constexpr std::array kShow = std::to_array<MPCLI_Option>({
-    {"version", HELP_SHOW_VERSION, MPCLI_ShowVersion, N},
-    {"array", HELP_SHOW_ARRAY, MPCLI_ShowArray, N},
-    {"path", HELP_SHOW_PATH, MPCLI_ShowPath, N},
-    {"vlun", HELP_SHOW_VLUN, MPCLI_ShowVLun, N},
+    {"version", HELP_SHOW_VERSION, MPCLI_ShowVersion, N, "verbose"},
+    {"array", HELP_SHOW_ARRAY, MPCLI_ShowArray, N, "id verbose"},
+    {"path", HELP_SHOW_PATH, MPCLI_WordsHandler<MPCLI_ShowPath>, N, "id array_id"},
+    {"vlun", HELP_SHOW_VLUN, MPCLI_WordsHandler<MPCLI_ShowVLun>, N, "id array_id type verbose"},
     {"io_latency_threshold", HELP_SHOW_IO_LATENCY_THRESHOLD, MPCLI_ShowIoLatencyThreshold, N},
     {"workerstate", HELP_SHOW_WORKERSTATE, MPCLI_ShowWorker, N},
     // Driver events and supported-array rules.
-    {"event", HELP_SHOW_EVENT, MPCLI_ShowEvent, N},
-    {"supportarraylist", HELP_SHOW_SUPPORTARRAYLIST, MPCLI_ShowSupportArrayList, N},
+    {"event", HELP_SHOW_EVENT, MPCLI_WordsHandler<MPCLI_ShowEvent>, N, "count"},
+    {"supportarraylist", HELP_SHOW_SUPPORTARRAYLIST, MPCLI_WordsHandler<MPCLI_ShowSupportArrayList>, N},
     // I/O rates per VLUN or array, and CSV performance reports.
-    {"iostat", HELP_SHOW_IOSTAT, MPCLI_ShowIostat, N},
+    {"iostat", HELP_SHOW_IOSTAT, MPCLI_WordsHandler<MPCLI_ShowIostat>, N, "vlun_id array_id type interval file_name archive_time duration"},
     // I/O reliability.
-    {"io_count", HELP_SHOW_IO_COUNT, MPCLI_ShowIoCount, N},
-    {"io_latency", HELP_SHOW_IO_LATENCY, MPCLI_ShowIoLatency, N},
-    {"alarmenable", HELP_SHOW_ALARMENABLE, MPCLI_ShowAlarmEnable, N},
-    {"path_reliability_enable", HELP_SHOW_PATH_RELIABILITY_ENABLE, MPCLI_ShowReliabilityEnable, N},
+    {"io_count", HELP_SHOW_IO_COUNT, MPCLI_WordsHandler<MPCLI_ShowIoCount>, N, "vlun_id"},
+    {"io_latency", HELP_SHOW_IO_LATENCY, MPCLI_WordsHandler<MPCLI_ShowIoLatency>, N, "vlun_id"},
+    {"alarmenable", HELP_SHOW_ALARMENABLE, MPCLI_WordsHandler<MPCLI_ShowAlarmEnable>, N},
+    {"path_reliability_enable", HELP_SHOW_PATH_RELIABILITY_ENABLE, MPCLI_WordsHandler<MPCLI_ShowReliabilityEnable>, N},
 });
 
 // Rows of two tables as one.
@@ -65,21 +69,21 @@ constexpr std::array<MPCLI_Option, A + B> joinRows(const std::array<MPCLI_Option
 // scoped setters, actions.
 constexpr std::array kSetCommands = std::to_array<MPCLI_Option>({
     // The array family.
-    {"workingmode", HELP_SET_WORKINGMODE, MPCLI_SetLbController, N},
-    {"loadbalancemode", HELP_SET_LOADBALANCEMODE, MPCLI_SetLbPolicy, N},
-    {"luntrespass", HELP_SET_LUNTRESPASS, MPCLI_SetLunTrespass, N},
-    {"iosuspensiontime", HELP_SET_IOSUSPENSIONTIME, MPCLI_SetHoldonTime, N},
-    {"lb_io_threshold", HELP_SET_LB_IO_THRESHOLD, MPCLI_SetLBIOThreshold, N},
-    {"max_io_retry_timeout", HELP_SET_MAX_IO_RETRY_TIMEOUT, MPCLI_SetIoRetryTimeOut, N},
-    {"ioretry", HELP_SET_IORETRY, MPCLI_SetIoRetryConf, N},
-    {"performance_record", HELP_SET_PERFORMANCE_RECORD, MPCLI_SetPerformanceRecord, N},
+    {"workingmode", HELP_SET_WORKINGMODE, MPCLI_WordsHandler<MPCLI_SetLbController>, N, "array_id vlun_id"},
+    {"loadbalancemode", HELP_SET_LOADBALANCEMODE, MPCLI_WordsHandler<MPCLI_SetLbPolicy>, N, "array_id vlun_id"},
+    {"luntrespass", HELP_SET_LUNTRESPASS, MPCLI_WordsHandler<MPCLI_SetLunTrespass>, N, "array_id vlun_id"},
+    {"iosuspensiontime", HELP_SET_IOSUSPENSIONTIME, MPCLI_WordsHandler<MPCLI_SetHoldonTime>, N, "array_id vlun_id"},
+    {"lb_io_threshold", HELP_SET_LB_IO_THRESHOLD, MPCLI_WordsHandler<MPCLI_SetLBIOThreshold>, N, "array_id vlun_id"},
+    {"max_io_retry_timeout", HELP_SET_MAX_IO_RETRY_TIMEOUT, MPCLI_WordsHandler<MPCLI_SetIoRetryTimeOut>, N, "array_id vlun_id"},
+    {"ioretry", HELP_SET_IORETRY, MPCLI_WordsHandler<MPCLI_SetIoRetryConf>, N, "ioretrydelay"},
+    {"performance_record", HELP_SET_PERFORMANCE_RECORD, MPCLI_WordsHandler<MPCLI_SetPerformanceRecord>, N, "duration"},
     // Listed only in the full usage text.
-    {"stop_iosuspension", "", MPCLI_SetStopIoSuspension, N},
-    {"alarmenable", HELP_SET_ALARMENABLE, MPCLI_SetAlarmEnable, N},
-    {"path_reliability_enable", HELP_SET_PATH_RELIABILITY_ENABLE, MPCLI_SetReliabilityEnable, N},
+    {"stop_iosuspension", "", MPCLI_WordsHandler<MPCLI_SetStopIoSuspension>, N},
+    {"alarmenable", HELP_SET_ALARMENABLE, MPCLI_WordsHandler<MPCLI_SetAlarmEnable>, N},
+    {"path_reliability_enable", HELP_SET_PATH_RELIABILITY_ENABLE, MPCLI_WordsHandler<MPCLI_SetReliabilityEnable>, N},
     // Path commands.
-    {"pathstate", HELP_SET_PATHSTATE, MPCLI_SetPhyPathState, N},
-    {"phypathnormal", HELP_SET_PHYPATHNORMAL, MPCLI_SetPhyPathNormal, N},
+    {"pathstate", HELP_SET_PATHSTATE, MPCLI_WordsHandler<MPCLI_SetPhyPathState>, N, "path_id"},
+    {"phypathnormal", HELP_SET_PHYPATHNORMAL, MPCLI_WordsHandler<MPCLI_SetPhyPathNormal>, N, "path_id"},
 });
 
 // The value settings first, in the settings table's order.
@@ -88,22 +92,22 @@ constexpr auto kSet = joinRows(g_stCLISettingOptions, kSetCommands);
 constexpr std::array kStart = std::to_array<MPCLI_Option>({
     {"diskdriverupdate", "", MPCLI_StartDiskDriverUpdate, N},
     // Path commands.
-    {"pathcheck", HELP_START_PATHCHECK, MPCLI_StartPhyPathCheck, N},
+    {"pathcheck", HELP_START_PATHCHECK, MPCLI_WordsHandler<MPCLI_StartPhyPathCheck>, N, "path_id"},
 });
 
 // Supported-array rules.
 constexpr std::array kAdd = std::to_array<MPCLI_Option>({
-    {"supportarraylist", HELP_ADD_SUPPORTARRAYLIST, MPCLI_AddSupportArrayList, N},
+    {"supportarraylist", HELP_ADD_SUPPORTARRAYLIST, MPCLI_WordsHandler<MPCLI_AddSupportArrayList>, N, "vendor product driver"},
 });
 constexpr std::array kDel = std::to_array<MPCLI_Option>({
-    {"supportarraylist", HELP_DEL_SUPPORTARRAYLIST, MPCLI_DelSupportArrayList, N},
+    {"supportarraylist", HELP_DEL_SUPPORTARRAYLIST, MPCLI_WordsHandler<MPCLI_DelSupportArrayList>, N, "vendor product"},
 });
 constexpr std::array kClear = std::to_array<MPCLI_Option>({
     // Path commands.
-    {"obsolete_path", HELP_CLEAR_OBSOLETE_PATH, MPCLI_ClearObsoletePath, N},
-    {"path_statistic", HELP_CLEAR_PATH_STATISTIC, MPCLI_ClearPathStatistic, N},
+    {"obsolete_path", HELP_CLEAR_OBSOLETE_PATH, MPCLI_WordsHandler<MPCLI_ClearObsoletePath>, N, "path_id"},
+    {"path_statistic", HELP_CLEAR_PATH_STATISTIC, MPCLI_WordsHandler<MPCLI_ClearPathStatistic>, N, "path_id array_id"},
     // I/O reliability.
-    {"io_count", HELP_CLEAR_IO_COUNT, MPCLI_ClearIoCount, N},
+    {"io_count", HELP_CLEAR_IO_COUNT, MPCLI_WordsHandler<MPCLI_ClearIoCount>, N},
 });
 
 constexpr std::array kCheck = std::to_array<MPCLI_Option>({

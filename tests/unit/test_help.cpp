@@ -76,7 +76,8 @@ Outcome run(MPCLI_Handler handler, std::vector<std::string> words)
     }
     argv.push_back(nullptr);
     testing::internal::CaptureStdout();
-    uint8_t result = handler(static_cast<uint32_t>(words.size()), argv.data());
+    const MPCLI_Line line(static_cast<uint32_t>(words.size()), argv.data());
+    uint8_t result = handler(line.command());
     return {result, testing::internal::GetCapturedStdout()};
 }
 
@@ -289,9 +290,9 @@ TEST(HelpCommand, VerbHelpRefusesExtraWords)
         EXPECT_EQ(unknown.result, 0);
         EXPECT_EQ(unknown.out, kNotSupported);
     }
-    Outcome none = run(MPCLI_Help, {});
-    EXPECT_EQ(none.result, 0);
-    EXPECT_EQ(none.out, invalid);
+    Outcome tooMany = run(MPCLI_Help, {"help", "show", "array", "more"});
+    EXPECT_EQ(tooMany.result, 0);
+    EXPECT_EQ(tooMany.out, invalid);
 }
 
 }  // namespace

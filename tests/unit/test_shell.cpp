@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <vector>
 
 #include "cli/cli.h"
 #include "mpi/mpi_usr.h"
@@ -78,12 +79,15 @@ TEST(OneLineCmd, OnlyTheExactWord)
 }
 
 uint32_t g_calls = 0;
-uint8_t countingHandler(uint32_t argc, char** argv)
+uint8_t countingHandler(const MPCLI_Command& command)
 {
     ++g_calls;
     // The handler's own result passes through the shell unchanged.
-    return static_cast<uint8_t>(argc + std::string(argv[1]).size() + 2);
+    return static_cast<uint8_t>(command.size() + command[1].raw.size() + 2);
 }
+
+// 1 when the row accepts every key of the arguments.
+uint8_t keysHandler(const MPCLI_Command& command) { return command.keysAccepted() ? 1 : 0; }
 
 constexpr std::array kRows = std::to_array<MPCLI_Option>({
     {"normal", "", countingHandler, MPCLI_FLAG_NORMAL},
@@ -113,6 +117,64 @@ TEST(Dispatch, ExactKeywordDebugRowsAndResults)
     EXPECT_EQ(MPCLI_Dispatch("absent", 2, argv, kRows), 0);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error: Input Option is not supported.\n");
     g_bCLIDebugCmdOn = 0;
+}
+
+// The keys a row names are those its handler accepts: whole keys of the
+// blank-separated list, a bare word being its own key.
+TEST(Dispatch, RowNamesTheKeysItsHandlerAccepts)
+{
+    constexpr std::array rows = std::to_array<MPCLI_Option>({
+        {"keyed", "", keysHandler, MPCLI_FLAG_NORMAL, "id verbose"},
+        {"bare", "", keysHandler, MPCLI_FLAG_NORMAL},
+    });
+    struct Case {
+        const char* row;
+        std::vector<std::string> args;
+        uint8_t accepted;
+    };
+    const Case cases[] = {
+        {"keyed", {}, 1},
+        {"keyed", {"id=3"}, 1},
+        {"keyed", {"id=3", "verbose"}, 1},
+        {"keyed", {"verbose=1"}, 1},  // the key is right; the handler judges the form
+        {"keyed", {"x=1"}, 0},
+        {"keyed", {"i=3"}, 0},        // a part of a key is not the key
+        {"keyed", {"d"}, 0},
+        {"keyed", {"id verbose"}, 0},
+        {"keyed", {"id=3", "bogus"}, 0},
+        {"keyed", {"=3"}, 0},
+        {"bare", {}, 1},
+        {"bare", {"id=3"}, 0},
+    };
+    for (const Case& c : cases) {
+        std::vector<std::string> words{c.row};
+        words.insert(words.end(), c.args.begin(), c.args.end());
+        std::vector<char*> argv;
+        for (std::string& w : words) {
+            argv.push_back(w.data());
+        }
+        argv.push_back(nullptr);
+        EXPECT_EQ(MPCLI_Dispatch(c.row, static_cast<uint32_t>(words.size()), argv.data(), rows), c.accepted)
+            << c.row << " " << (c.args.empty() ? "" : c.args.back());
+    }
+}
+
+// Every row of the shell that takes keyed arguments names them.
+TEST(Dispatch, EveryCommandWithKeyedArgumentsNamesItsKeys)
+{
+    const std::pair<MPCLI_Table, const char*> keyed[] = {
+        {g_stCLIOptionShowType, "array"}, {g_stCLIOptionShowType, "vlun"}, {g_stCLIOptionShowType, "path"},
+        {g_stCLIOptionShowType, "iostat"}, {g_stCLIOptionSetType, "loadbalancemode"},
+        {g_stCLIOptionClearType, "path_statistic"}, {g_stCLIOptionAddType, "supportarraylist"},
+    };
+    for (auto [table, keyword] : keyed) {
+        const MPCLI_Option* row = nullptr;
+        for (const MPCLI_Option& option : table) {
+            row = std::string(option.keyword) == keyword ? &option : row;
+        }
+        ASSERT_NE(row, nullptr) << keyword;
+        EXPECT_NE(row->keys, nullptr) << keyword;
+    }
 }
 
 TEST(Dispatch, AbsentKeywordTableOrArguments)
