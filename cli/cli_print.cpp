@@ -107,13 +107,6 @@ void MPCLI_TableLayout::measureCell(size_t column, size_t length)
     widths_[column] = std::max(widths_[column], static_cast<uint32_t>(length));
 }
 
-void MPCLI_TableLayout::measure(std::span<const std::string> row)
-{
-    for (size_t i = 0; i < row.size(); ++i) {
-        measureCell(i, row[i].size());
-    }
-}
-
 uint32_t MPCLI_TableLayout::dashLength() const
 {
     uint32_t total = dashExtra_;
@@ -123,35 +116,3 @@ uint32_t MPCLI_TableLayout::dashLength() const
     return total;
 }
 
-void MPCLI_PrintTableDash(const MPCLI_TableLayout& layout) { MPCLI_PrintDash(layout.dashLength()); }
-
-void MPCLI_PrintTableHeader(const MPCLI_TableLayout& layout)
-{
-    std::string line;
-    MPCLI_AppendHeader(line, layout);
-    MPCLI_OutWrite(line.data(), line.size());
-}
-
-void MPCLI_PrintTableRow(const MPCLI_TableLayout& layout, std::span<const std::string> row)
-{
-    std::string line;
-    for (size_t i = 0; i < layout.columnCount(); ++i) {
-        appendCentred(line, i < row.size() ? row[i].c_str() : "", layout.width(i) + kCellPad);
-    }
-    line.push_back('\n');
-    MPCLI_OutWrite(line.data(), line.size());
-}
-
-void MPCLI_PrintTable(MPCLI_TableLayout& layout, std::span<const MPCLI_TableRow> rows)
-{
-    for (const MPCLI_TableRow& row : rows) {
-        layout.measure(row);
-    }
-    MPCLI_PrintTableDash(layout);
-    MPCLI_PrintTableHeader(layout);
-    for (const MPCLI_TableRow& row : rows) {
-        MPCLI_PrintTableRow(layout, row);
-    }
-    MPCLI_PrintTableDash(layout);
-    MPCLI_OutFlush();
-}

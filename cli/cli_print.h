@@ -1,6 +1,6 @@
-// Console display helpers: trimming, centred cells, dash lines and a small
-// table printer shared by the list commands (arrays, VLUNs, paths, I/O
-// counts). MPCLI_Print itself is declared in cli/cli.h.
+// Console display helpers: trimming, centred cells, dash lines and the
+// column widths of the tables the list commands build (cli/cli_grid.h
+// writes them). MPCLI_Print itself is declared in cli/cli.h.
 //
 // The table convention: every cell, headers included, is centred in its
 // column width plus 2, cells follow each other without separator, and the
@@ -55,8 +55,6 @@ public:
     // dash lines are drawn wider than their rows.
     explicit MPCLI_TableLayout(std::span<const MPCLI_Column> columns, uint32_t dashExtra = 0);
 
-    // Grows the widths to fit one row (cells beyond the last column are ignored).
-    void measure(std::span<const std::string> row);
     // Grows one column's width to fit a cell of `length` characters.
     void measureCell(size_t column, size_t length);
 
@@ -71,17 +69,3 @@ private:
     std::vector<uint32_t> widths_;
     uint32_t dashExtra_;
 };
-
-using MPCLI_TableRow = std::vector<std::string>;
-
-// Building blocks, for tables printed piecewise (a heading per group, ...).
-// Each writes its line whole but does not flush: the table's last line is
-// followed by MPCLI_OutFlush or by a message (MPCLI_Print flushes).
-void MPCLI_PrintTableDash(const MPCLI_TableLayout& layout);
-void MPCLI_PrintTableHeader(const MPCLI_TableLayout& layout);
-// Missing cells print blank; cells beyond the last column are ignored.
-void MPCLI_PrintTableRow(const MPCLI_TableLayout& layout, std::span<const std::string> row);
-
-// Measures every row, then prints: dash line, headers, rows, dash line;
-// flushed once at the end.
-void MPCLI_PrintTable(MPCLI_TableLayout& layout, std::span<const MPCLI_TableRow> rows);

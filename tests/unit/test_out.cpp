@@ -120,17 +120,6 @@ TEST_F(Out, MessagesFlushTablePiecesWaitForTheirEnd)
     MPCLI_Print(":\n");
     EXPECT_EQ(drain(), "  ab  :\n");
 
-    static constexpr MPCLI_Column kColumns[] = {{"ID", 2}, {"Name", 4}};
-    MPCLI_TableLayout layout(kColumns);
-    const std::vector<std::string> row = {"7", "disk"};
-    MPCLI_PrintTableRow(layout, row);
-    EXPECT_EQ(drain(), "");
-    MPCLI_OutFlush();
-    EXPECT_EQ(drain(), " 7   disk \n");
-
-    const std::vector<MPCLI_TableRow> rows = {{"1", "a"}, {"22", "bb"}};
-    MPCLI_PrintTable(layout, rows);
-    EXPECT_EQ(drain(), "----------\n ID  Name \n 1    a   \n 22   bb  \n----------\n");
 }
 
 TEST_F(Out, ALongMessageGoesOutWhole)

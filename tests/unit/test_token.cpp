@@ -406,8 +406,12 @@ TEST(TableLayout, WidthsStartAtHeaderOrMinimumAndOnlyGrow)
 {
     MPCLI_TableLayout layout(kMeasured);
     EXPECT_EQ(layout.width(2), 6u);
-    layout.measure(MPCLI_TableRow{"12345678901", "x", "VendorName!", "1100.00KB", "spare cell"});
-    layout.measure(MPCLI_TableRow{"1", "y"});
+    for (const std::vector<std::string>& row : {std::vector<std::string>{"12345678901", "x", "VendorName!", "1100.00KB"},
+                                                std::vector<std::string>{"1", "y"}}) {
+        for (size_t column = 0; column < row.size(); ++column) {
+            layout.measureCell(column, row[column].size());
+        }
+    }
     EXPECT_EQ(layout.width(0), 11u);
     EXPECT_EQ(layout.width(1), 10u);
     EXPECT_EQ(layout.width(2), 11u);
