@@ -284,7 +284,7 @@ Outcome Answer(const SimPaths& paths, const SimCode& c, const SimRequestRow& row
     Json& driver = loaded.driver;
     SimContext ctx(driver, &loaded.objects, &loaded);
     uint32_t result = kResultSuccess;
-    if (!loaded.snapshot || !ctx.objects()->cannedAnswer(c.nr, payload)) {
+    if (!loaded.snapshot || !SnapshotKeepsAnswers(c.nr) || !ctx.objects()->cannedAnswer(c.nr, payload)) {
         result = row.handler(ctx, payload);
     }
     if (faulted && fault.kind == FaultKind::Count) {

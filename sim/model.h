@@ -222,6 +222,8 @@ SimSnapshotPtr OpenSnapshot(const std::string& path, const SimSnapshotKey& key);
 // costs speed and is not reported.
 void WriteSnapshot(const std::string& path, const SimSnapshotKey& key, Json& doc,
                    const SimObjectsPtr& objects) noexcept;
+// True for the requests whose answers a snapshot keeps ready.
+bool SnapshotKeepsAnswers(uint32_t nr);
 // The snapshot's document without its storage object lists.
 Json SnapshotHead(const SimSnapshot& snap);
 // Its objects; throws SimError when they cannot be read back.

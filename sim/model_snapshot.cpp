@@ -544,6 +544,12 @@ void WriteSnapshot(const std::string& path, const SimSnapshotKey& key, Json& doc
     }
 }
 
+bool SnapshotKeepsAnswers(uint32_t nr)
+{
+    return std::any_of(std::begin(kCannedRequests), std::end(kCannedRequests),
+                       [nr](const CannedRequest& req) { return req.nr == nr; });
+}
+
 Json SnapshotHead(const SimSnapshot& snap)
 {
     Json head = Json::parse(snap.head, nullptr, false);
