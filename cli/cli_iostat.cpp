@@ -755,8 +755,10 @@ Ended MPCLI_GetIoStatusBySecondsAndWrite(const IostatArgs& args, const std::vect
             lastWrite = now;
             std::string dir = std::filesystem::path(args.hostFile).parent_path().string();
             if (writing && MPICLI_GetDiskFreeSpace(dir.c_str()) <= kFreeSpaceMinKb) {
+                // The display goes on; the report stops short of its duration.
                 UIL_ERR("The specified disk space is less than 180M.");
                 MPCLI_Print("%s", kLowSpace);
+                *wroteAll = false;
                 writing = false;
             }
         }

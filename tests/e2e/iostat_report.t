@@ -66,8 +66,8 @@ total:
 
 The disk fills up after the first period (the second look at the free
 space, after the first write): the writing stops with its message, the
-display goes on to the end of the run, and the file keeps the whole rows
-of the first period:
+display goes on to the end of the run, the file keeps the whole rows of
+the first period, and the run's log line says the report fell short:
 
   $ CVSIM_FREE_KB=200000,184320 cv show iostat vlun_id=0 interval=60 file_name=/reports/full duration=180 > full.txt; echo "[$?]"
   [0]
@@ -89,7 +89,7 @@ of the first period:
   [2026-11-18 11:07:40],VLUN    0,0B          ,5       ,0       
   [2026-11-18 11:07:40],VLUN    0,0A          ,18      ,0       
   $ operlog | tail -n 1
-  [3] [CLI] [1] [1396789593] [show iostat vlun_id=0 interval=60 file_name=/reports/full duration=180] [Start writing performance data to report] [1]
+  [3] [CLI] [1] [1396789593] [show iostat vlun_id=0 interval=60 file_name=/reports/full duration=180] [Start writing performance data to report] [0]
 
 SIGTERM ends a run as Ctrl-C does, between two samples: the rows written so
 far are whole and on disk, the run has its operation-log line, and then
