@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "cli/cli_pathset.h"
+#include "cli/cli_reliability.h"
 #include "support/sim_harness.h"
 #include "uil/uil.h"
 #include "uil/uil_setcfg.h"
@@ -523,6 +524,18 @@ TEST_F(PathSetSim, AFailedQueryLeavesOnlyThatLineOut)
         paths.push_back(r->pathId);
     }
     EXPECT_EQ(paths, (std::vector<uint32_t>{1, 2, 3, 4, 5, 18}));
+}
+
+// A handler called without even its own keyword asks for more and reads
+// nothing.
+TEST_F(PathSetSim, CounterDisplaysWithoutTheirKeywordNeedMore)
+{
+    for (auto show : {MPCLI_ShowIoCount, MPCLI_ShowIoLatency}) {
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(show(0, nullptr), 0);
+        EXPECT_EQ(testing::internal::GetCapturedStdout().rfind("Error: Need more option\nUsage: [OPTION]\n", 0), 0u);
+        EXPECT_TRUE(requests().empty());
+    }
 }
 
 TEST_F(PathSetSim, SwitchesReadWhatWasStoredAndClearingZeroesEveryCounter)
