@@ -336,7 +336,12 @@ uint32_t INTF_UIL_DelVendor(const char* vendor, const char* product)
                                                                          : UIL_RET_VENDOR_NOTIFY_FAIL;
 }
 
-void INTF_UIL_EndShowVendor(MPI_ListNode* head)
+namespace {
+
+// Unlinks and frees every record of a list built here; safe on a head
+// that was never initialised by a Start.
+template <typename Record>
+void freeRecords(MPI_ListNode* head)
 {
     if (head == nullptr || head->next == nullptr) {
         return;
@@ -344,9 +349,13 @@ void INTF_UIL_EndShowVendor(MPI_ListNode* head)
     while (!MPI_ListEmpty(head)) {
         MPI_ListNode* node = head->next;
         MPI_ListDelete(node);
-        std::free(MPI_LIST_ENTRY(node, UilVendorRule, links));
+        std::free(MPI_LIST_ENTRY(node, Record, links));
     }
 }
+
+}  // namespace
+
+void INTF_UIL_EndShowVendor(MPI_ListNode* head) { freeRecords<UilVendorRule>(head); }
 
 uint32_t INTF_UIL_StartShowVendor(MPI_ListNode* head, uint32_t* count)
 {
@@ -400,18 +409,6 @@ namespace {
 // section, or the lines of the "[vendors]" section.
 enum class Part { Common, Vendors };
 
-void freeEntries(MPI_ListNode* head)
-{
-    if (head == nullptr || head->next == nullptr) {
-        return;
-    }
-    while (!MPI_ListEmpty(head)) {
-        MPI_ListNode* node = head->next;
-        MPI_ListDelete(node);
-        std::free(MPI_LIST_ENTRY(node, UilParamEntry, links));
-    }
-}
-
 // The common line in `buf` (filtered in mode 0) as one pair.
 bool commonPair(const char* buf, UilParamEntry* entry)
 {
@@ -459,7 +456,7 @@ uint32_t enumerateEntries(Part part, MPI_ListNode* head, uint32_t* count)
         auto* entry = static_cast<UilParamEntry*>(UIL_ZMalloc(sizeof(UilParamEntry)));
         if (entry == nullptr) {
             UIL_ERR("Allocate memory of config entry fail");
-            freeEntries(head);
+            freeRecords<UilParamEntry>(head);
             *count = 0;
             return MPI_RET_NO_MEMORY;
         }
@@ -486,14 +483,14 @@ uint32_t INTF_UIL_EnumerateConfigStart(MPI_ListNode* head, uint32_t* count)
     return enumerateEntries(Part::Common, head, count);
 }
 
-void INTF_UIL_EnumerateConfigEnd(MPI_ListNode* head) { freeEntries(head); }
+void INTF_UIL_EnumerateConfigEnd(MPI_ListNode* head) { freeRecords<UilParamEntry>(head); }
 
 uint32_t INTF_UIL_EnumerateVendorConfigStart(MPI_ListNode* head, uint32_t* count)
 {
     return enumerateEntries(Part::Vendors, head, count);
 }
 
-void INTF_UIL_EnumerateVendorConfigEnd(MPI_ListNode* head) { freeEntries(head); }
+void INTF_UIL_EnumerateVendorConfigEnd(MPI_ListNode* head) { freeRecords<UilParamEntry>(head); }
 
 void UIL_VendorOperRecord(const char* vendor, const char* product, UilOperLogPara* record)
 {
