@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "cli/cli.h"
+#include "cli/cli_command.h"
 #include "cli/cli_helptext.h"
 #include "cli/cli_objects.h"
 #include "mpi/mpi_number.h"
@@ -20,7 +21,7 @@ namespace {
 
 constexpr uint32_t kCountMin = 1;
 constexpr uint32_t kCountMax = 10000;
-constexpr char kCountKey[] = "count=";
+constexpr char kCountKey[] = "count";
 
 constexpr size_t kColumns = 6;
 constexpr std::array<const char*, kColumns> kHeaders = {"Time", "Event", "Object", "Number", "Number2", "Message"};
@@ -87,13 +88,15 @@ std::string formatTable(const std::vector<EventRow>& rows)
 
 uint8_t MPCLI_ShowEvent(uint32_t argc, char** argv)
 {
+    const MPCLI_Command command(argc, argv);
     uint32_t latest = 0;  // all
-    if (argc > 2) {
+    if (command.size() > 2) {
         return eventUsage();
     }
-    if (argc == 2) {
-        if (std::strncmp(argv[1], kCountKey, sizeof(kCountKey) - 1) != 0 ||
-            MPI_ParseU32(argv[1] + sizeof(kCountKey) - 1, kCountMin, kCountMax, &latest) != MPI_Num::Ok) {
+    if (command.size() == 2) {
+        const MPCLI_Word& word = command[1];
+        if (word.key != kCountKey || !word.hasValue() ||
+            MPI_ParseU32(word.value, kCountMin, kCountMax, &latest) != MPI_Num::Ok) {
             return eventUsage();
         }
     }

@@ -8,10 +8,12 @@
 #include <cinttypes>
 #include <cstdarg>
 #include <cstdio>
+#include <csignal>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <filesystem>
+#include <map>
 #include <string>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -29,6 +31,7 @@
 #include "mpi/mpi_scope.h"
 #include "uil/uil_array.h"
 #include "uil/uil_oper.h"
+#include "uil/uil_path.h"
 #include "uil/uil_perf.h"
 #include "uil/uil_tpg.h"
 #include "uil/uil_vlun.h"
@@ -273,7 +276,6 @@ struct Monitored {
     bool found = false;
     std::vector<uint32_t> disks;  // VLUN: its member disks
     std::string where;            // VLUN: "Lun  Array ..." and "Controller ..." lines
-    std::string controller;       // VLUN: the working controller of its first member
 };
 
 bool arrayExists(uint32_t arrayId, bool* exists)
@@ -299,9 +301,6 @@ void describeVlun(const VLunInfo& v, Monitored* m)
         char ctrl[UIL_CONTROLLER_NAME_SIZE] = {};
         (void)UIL_strFormatControllerId(v.arrayId[slot], v.workingController[slot], v.capability[slot], ctrl,
                                         sizeof(ctrl));
-        if (m->controller.empty()) {
-            m->controller = ctrl;
-        }
         m->where += std::string("Lun  Array ") + v.arrayName[slot] + "\nController " + ctrl + "\n";
     }
 }
@@ -525,12 +524,39 @@ void timeText(char* out, size_t size)
     }
 }
 
+// The controller of each path, as its physical path record names it
+// (logical paths are known by their physical path's ID). A path keeps its
+// controller while it exists, so each is asked once per run; a failed
+// lookup prints "-" and is asked again at the next period.
+class PathControllers {
+public:
+    std::string name(uint32_t pathId)
+    {
+        auto it = m_names.find(pathId);
+        if (it != m_names.end()) {
+            return it->second;
+        }
+        UilPathInfo path{};
+        char ctrl[UIL_CONTROLLER_NAME_SIZE] = "-";
+        if (INTF_UIL_GetPhyPathInfo(pathId, &path) != MPI_RET_SUCCESS ||
+            m_namer.format(path.arrayId, path.controllerId, path.arrayFlags, ctrl, sizeof(ctrl)) !=
+                MPI_RET_SUCCESS) {
+            return "-";
+        }
+        return m_names.emplace(pathId, ctrl).first->second;
+    }
+
+private:
+    UilControllerNamer m_namer;
+    std::map<uint32_t, std::string> m_names;
+};
+
 // The CSV rows of one archive period; whole rows only.
-std::string formatRows(const IostatArgs& args, const std::vector<Monitored>& objects, const Accumulator& acc)
+std::string formatRows(const IostatArgs& args, const std::vector<Monitored>& objects, const Accumulator& acc,
+                       PathControllers* controllers)
 {
     char when[32];
     timeText(when, sizeof(when));
-    UilControllerNamer namer;
     std::string block;
     block.reserve(kRowBufferSize);
     for (const Monitored& m : objects) {
@@ -562,13 +588,8 @@ std::string formatRows(const IostatArgs& args, const std::vector<Monitored>& obj
                               when, m.id, "-", "-", n.v[0], n.v[1], n.v[2], n.v[3], n.v[4], n.v[5], n.v[6], n.v[7],
                               n.v[8]);
             } else {
-                char ctrl[UIL_CONTROLLER_NAME_SIZE] = "-";
-                if (args.byArray) {
-                    (void)namer.format(r.arrayId, r.controllerId, 0, ctrl, sizeof(ctrl));
-                } else {
-                    (void)snprintf(ctrl, sizeof(ctrl), "%s", m.controller.c_str());
-                }
-                (void)appendf(&row, "[%-19s],%-9s,%-12s,%-8u,", when, owner, ctrl, r.pathId);
+                const std::string ctrl = controllers->name(r.pathId);
+                (void)appendf(&row, "[%-19s],%-9s,%-12s,%-8u,", when, owner, ctrl.c_str(), r.pathId);
                 (void)appendf(&row, kCsvValues, n.v[0], n.v[1], n.v[2], n.v[3], n.v[4], n.v[5], n.v[6], n.v[7],
                               n.v[8]);
             }
@@ -634,22 +655,43 @@ void sleepOneSecond()
     (void)nanosleep(&req, nullptr);  // Ctrl-C cuts it short; the loop then sees the count drop
 }
 
-// Lowers the interrupt count on the way out unless Ctrl-C already did.
-class ControlCRef {
+// Set by SIGTERM during a run: the run ends as after Ctrl-C (whole rows,
+// the file synced, the operation log written), then the termination goes on.
+volatile sig_atomic_t g_termRequested = 0;
+
+void onTerm(int /*signo*/) { g_termRequested = 1; }
+
+// A run of the display loop: raises the interrupt count (Ctrl-C lowers it)
+// and takes SIGTERM over; on the way out the count and the previous SIGTERM
+// disposition are put back.
+class RunGuard {
 public:
-    ControlCRef() : m_start(g_uiCLIContrlCRef) { g_uiCLIContrlCRef = m_start + 1; }
-    ControlCRef(const ControlCRef&) = delete;
-    ControlCRef& operator=(const ControlCRef&) = delete;
-    ~ControlCRef()
+    RunGuard() : m_start(g_uiCLIContrlCRef)
     {
-        if (!interrupted()) {
-            g_uiCLIContrlCRef = g_uiCLIContrlCRef - 1;
+        g_termRequested = 0;
+        struct sigaction action {};
+        action.sa_handler = onTerm;
+        sigemptyset(&action.sa_mask);
+        m_termTaken = sigaction(SIGTERM, &action, &m_oldTerm) == 0;
+        g_uiCLIContrlCRef = m_start + 1;
+    }
+    RunGuard(const RunGuard&) = delete;
+    RunGuard& operator=(const RunGuard&) = delete;
+    ~RunGuard()
+    {
+        if (g_uiCLIContrlCRef > m_start) {
+            g_uiCLIContrlCRef = m_start;
+        }
+        if (m_termTaken) {
+            (void)sigaction(SIGTERM, &m_oldTerm, nullptr);
         }
     }
-    bool interrupted() const { return g_uiCLIContrlCRef <= m_start; }
+    bool interrupted() const { return g_uiCLIContrlCRef <= m_start || g_termRequested != 0; }
 
 private:
     uint32_t m_start;
+    bool m_termTaken = false;
+    struct sigaction m_oldTerm {};
 };
 
 enum class Ended { Interrupted, TimeUp, Failed };
@@ -658,11 +700,12 @@ Ended MPCLI_GetIoStatusBySecondsAndWrite(const IostatArgs& args, const std::vect
                                          bool* wroteAll)
 {
     const uint64_t start = monotonicSec();
-    const ControlCRef ref;
+    const RunGuard ref;
     std::vector<PerfList> prev(objects.size());
     std::vector<PerfList> cur(objects.size());
     Accumulator shown;
     Accumulator kept;
+    PathControllers controllers;
     bool writing = args.toFile;
     uint64_t lastSample = start;
     uint64_t lastWrite = start;
@@ -700,7 +743,7 @@ Ended MPCLI_GetIoStatusBySecondsAndWrite(const IostatArgs& args, const std::vect
         }
         if (writing && now - lastWrite >= args.archive) {
             kept.average();
-            std::string block = formatRows(args, objects, kept);
+            std::string block = formatRows(args, objects, kept, &controllers);
             if (access(args.hostFile.c_str(), F_OK) != 0) {
                 block.insert(0, fileHead(args.byArray));
             }
@@ -712,8 +755,10 @@ Ended MPCLI_GetIoStatusBySecondsAndWrite(const IostatArgs& args, const std::vect
             lastWrite = now;
             std::string dir = std::filesystem::path(args.hostFile).parent_path().string();
             if (writing && MPICLI_GetDiskFreeSpace(dir.c_str()) <= kFreeSpaceMinKb) {
+                // The display goes on; the report stops short of its duration.
                 UIL_ERR("The specified disk space is less than 180M.");
                 MPCLI_Print("%s", kLowSpace);
+                *wroteAll = false;
                 writing = false;
             }
         }
@@ -754,6 +799,12 @@ uint8_t MPCLI_ShowIostat(uint32_t argc, char** argv)
     if (args.toFile) {
         // argv[0] is "iostat": the logged command text is every word after the verb.
         MPCLI_OperLog("show", argc, argv, UIL_OPER_WRITE_PERF_REPORT, ok ? 1 : 0, nullptr);
+    }
+    if (g_termRequested != 0) {
+        // Everything of the run is out; now end as the sender asked, under
+        // the disposition the process had before the run.
+        MPI_FlushConsole();
+        (void)raise(SIGTERM);
     }
     return ended == Ended::Failed ? MPCLI_RESULT_FAIL : MPCLI_RESULT_OK;
 }

@@ -12,7 +12,9 @@
 #include "cli/cli_command.h"
 #include "cli/cli_operlog.h"
 #include "cli/cli_token.h"
+#include "bounded/bounded.h"
 #include "mpi/mpi_scope.h"
+#include "mpi/mpi_usr.h"
 #include "uil/uil_array.h"
 #include "uil/uil_pathset.h"
 
@@ -113,6 +115,23 @@ bool readSwitch(const MPCLI_Word& word, bool* enable)
 }
 
 }  // namespace
+
+uint8_t MPCLI_CheckHbaInfo(const UilPathInfo* path)
+{
+    CLI_ASSERT(path != nullptr);
+    UilHbaInfo hba{};
+    (void)strncpy_s(hba.wwn, sizeof(hba.wwn), path->initiatorPort, sizeof(hba.wwn) - 1);
+    const uint32_t ret = INTF_UIL_GetHbaInfoByWwn(&hba);
+    if (ret != MPI_RET_SUCCESS) {
+        MPCLI_PrintfInternalErrorInfo(ret);
+        return MPCLI_RESULT_FAIL;
+    }
+    if (hba.enabled == 0) {
+        MPCLI_Print("The path cannot be enabled since the HBA is in disabled state.\n");
+        return MPCLI_RESULT_FAIL;
+    }
+    return MPCLI_RESULT_OK;
+}
 
 uint8_t MPCLI_SetPhyPathState(uint32_t argc, char** argv)
 {

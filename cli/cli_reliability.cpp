@@ -106,6 +106,11 @@ uint8_t printUsage(const char* keyword)
 uint8_t showReliability(uint32_t argc, char** argv, const char* keyword, Table table)
 {
     const MPCLI_Command command(argc, argv);
+    if (command[0].raw.empty()) {  // not even its own keyword
+        MPCLI_Print("Error: Need more option\n");
+        MPCLI_CVMUsage();
+        return MPCLI_RESULT_FAIL;
+    }
     if (command.size() > 2 || !command.keysIn({kVlunIdKey})) {
         return printUsage(keyword);
     }

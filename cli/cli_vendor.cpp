@@ -12,6 +12,7 @@
 #include <string_view>
 
 #include "cli/cli.h"
+#include "cli/cli_command.h"
 #include "cli/cli_helptext.h"
 #include "cli/cli_objects.h"
 #include "cli/cli_operlog.h"
@@ -66,14 +67,14 @@ const KeyRow* keyAt(std::string_view text, size_t at)
 // separating a value from the next key are dropped, those inside it kept.
 // False for text before the first key, a key given twice or an unknown key
 // set (only the keys in `allowed` count).
-bool parseVendorArgs(uint32_t argc, char** argv, size_t allowed, VendorArgs* out)
+bool parseVendorArgs(const MPCLI_Command& command, size_t allowed, VendorArgs* out)
 {
     std::string text;
-    for (uint32_t i = 1; i < argc; ++i) {
-        if (i > 1) {
+    for (const MPCLI_Word& word : command.args()) {
+        if (!text.empty()) {
             text += ' ';
         }
-        text += argv[i];
+        text += word.raw;
     }
     std::string_view view(text);
     const KeyRow* current = nullptr;
@@ -166,13 +167,15 @@ void printVendorError(uint32_t code, const VendorArgs& args)
 }
 
 // Shared by add and del: parse, check, refuse on a SAN-boot host, confirm,
-// then run `change` and log it.
+// then run `change` and log it. A declined prompt changes nothing and is
+// no failure.
 template <typename Change>
 uint8_t changeRule(uint32_t argc, char** argv, const char* verb, const char* help, size_t allowedKeys,
                    uint32_t eventId, const char* done, Change change)
 {
+    const MPCLI_Command command(argc, argv);
     VendorArgs args;
-    if (!parseVendorArgs(argc, argv, allowedKeys, &args)) {
+    if (!parseVendorArgs(command, allowedKeys, &args)) {
         MPCLI_Print("Error: Invalid input!\n Usage:\n%s", help);
         return MPCLI_RESULT_FAIL;
     }
@@ -184,8 +187,10 @@ uint8_t changeRule(uint32_t argc, char** argv, const char* verb, const char* hel
         return MPCLI_RESULT_FAIL;
     }
     if (MPCLI_RiskPrompt(kRiskPrompt) != 1) {
+        // The operator chose not to go on: nothing failed.
+        UIL_ERR("User input \"n\" to interrupt the command executing");
         MPCLI_Print("The command was cancelled; nothing was changed.\n");
-        return MPCLI_RESULT_FAIL;
+        return MPCLI_RESULT_OK;
     }
     uint32_t ret = change(args);
     uint8_t result = ret == MPI_RET_SUCCESS ? MPCLI_RESULT_OK : MPCLI_RESULT_FAIL;
@@ -218,9 +223,10 @@ uint8_t MPCLI_DelSupportArrayList(uint32_t argc, char** argv)
                       [](const VendorArgs& a) { return INTF_UIL_DelVendor(a.vendor.c_str(), a.product.c_str()); });
 }
 
-uint8_t MPCLI_ShowSupportArrayList(uint32_t argc, char** /*argv*/)
+uint8_t MPCLI_ShowSupportArrayList(uint32_t argc, char** argv)
 {
-    if (argc > 1) {
+    const MPCLI_Command command(argc, argv);
+    if (command.size() > 1) {
         MPCLI_Print("Error: Invalid input!\n Usage:\n%s", HELP_SHOW_SUPPORTARRAYLIST);
         return MPCLI_RESULT_FAIL;
     }

@@ -1,6 +1,7 @@
 // One request to the simulated driver, from request frame to log line.
 #include "model.h"
 #include "model_objects.h"
+#include "model_pathset.h"
 
 #include <algorithm>
 #include <atomic>
@@ -274,6 +275,11 @@ Outcome Answer(const SimPaths& paths, const SimCode& c, const SimRequestRow& row
         case FaultKind::Untouched:
             return Outcome{};
         case FaultKind::Code:
+            // A common set refusal names its code in the result word too,
+            // so an injected code reads like one the model gave itself.
+            if (c.nr == kCommonSetNr) {
+                WriteCommonSetResult(payload, fault.value);
+            }
             WriteResult(frame, fault.value);
             return Outcome{};
         case FaultKind::Count:

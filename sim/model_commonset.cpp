@@ -71,6 +71,11 @@ constexpr std::array kSubCommands = {
 
 }  // namespace
 
+void WriteCommonSetResult(SimPayload& p, uint32_t result)
+{
+    p.setU32(kCsResult, result == kResultSuccess ? 0 : result);
+}
+
 uint32_t HandleCommonSet(SimContext& ctx, SimPayload& p)
 {
     const uint32_t sub = p.u32(kCsSubCommand);
@@ -81,7 +86,7 @@ uint32_t HandleCommonSet(SimContext& ctx, SimPayload& p)
             break;
         }
     }
-    p.setU32(kCsResult, result == kResultSuccess ? 0 : result);
+    WriteCommonSetResult(p, result);
     return result;
 }
 

@@ -13,6 +13,11 @@ inline constexpr uint32_t kCommonSetSize = 608;
 inline constexpr size_t kCsSubCommand = 0;
 inline constexpr size_t kCsResult = 4;  // the driver's answer, 0 when carried out
 inline constexpr size_t kCsTarget = 8;
+inline constexpr uint32_t kCommonSetNr = 0x32;
+
+// The driver's answer as the result word carries it: the refusal code, or 0
+// when the sub-command was carried out. The frame carries the code as well.
+void WriteCommonSetResult(SimPayload& p, uint32_t result);
 
 // One sub-command of the common set request: returns the result code,
 // which the dispatcher also writes into the result word.

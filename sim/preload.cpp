@@ -4,7 +4,8 @@
 // getuid/geteuid report CVSIM_UID when it is set. With CVSIM_FASTCLOCK=1 the
 // program's clocks run fast: a sleep returns at once and moves every clock
 // forward by what it asked for (see the fast clock below). CVSIM_FREE_KB=N
-// makes statvfs report N KB available to unprivileged users.
+// makes statvfs report N KB available to unprivileged users (a list N,M,...
+// gives successive calls successive values).
 //
 // The hooks keep no state that needs constructing: the real functions are
 // looked up by a constructor (and again on first use, should a hook run
@@ -323,10 +324,36 @@ CVSIM_EXPORT int clock_nanosleep(clockid_t clk, int flags, const struct timespec
 // ---------------------------------------------------------------------------
 // Free space: CVSIM_FREE_KB=<KB> replaces what statvfs reports as available
 // to unprivileged users, so a test can fill a disk without filling it.
+// CVSIM_FREE_KB=<KB>,<KB>,... gives the process's successive statvfs calls
+// one value each, the last for every call after, so the disk can fill up
+// in the middle of a run.
 
 namespace {
 using StatvfsFn = int (*)(const char*, struct statvfs*);
 std::atomic<StatvfsFn> g_realStatvfs{nullptr};
+std::atomic<unsigned long> g_statvfsCalls{0};
+
+// The `index`th value of the list (the last when the list is shorter);
+// false when the text is not a list of numbers.
+bool FreeKbAt(const char* list, unsigned long index, unsigned long long* kb)
+{
+    const char* p = list;
+    for (unsigned long i = 0;; ++i) {
+        unsigned long long v = 0;
+        const char* start = p;
+        for (; *p >= '0' && *p <= '9' && v < (1ULL << 40); ++p) {
+            v = v * 10 + static_cast<unsigned>(*p - '0');
+        }
+        if (p == start || (*p != '\0' && *p != ',')) {
+            return false;
+        }
+        *kb = v;
+        if (i == index || *p == '\0') {
+            return true;
+        }
+        ++p;
+    }
+}
 }  // namespace
 
 CVSIM_EXPORT int statvfs(const char* path, struct statvfs* out) __THROW
@@ -342,11 +369,7 @@ CVSIM_EXPORT int statvfs(const char* path, struct statvfs* out) __THROW
         return ret;
     }
     unsigned long long kb = 0;
-    const char* p = fake;
-    for (; *p >= '0' && *p <= '9' && kb < (1ULL << 40); ++p) {
-        kb = kb * 10 + static_cast<unsigned>(*p - '0');
-    }
-    if (*p == '\0') {
+    if (FreeKbAt(fake, g_statvfsCalls.fetch_add(1), &kb)) {
         out->f_bavail = static_cast<fsblkcnt_t>(kb * 1024 / out->f_bsize);
     }
     return ret;

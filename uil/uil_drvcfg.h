@@ -168,6 +168,34 @@ void INTF_UIL_EndShowVendor(MPI_ListNode* head);
 // The driver of a rule. 1024; 1026; UIL_RET_DRVCFG_NO_FILE; UIL_RET_VENDOR_NOT_EXIST.
 uint32_t INTF_UIL_GetKernelDrivername(const char* vendor, const char* product, char* out, size_t size);
 
+// ---------------------------------------------------------------------------
+// The whole file as entries of key/value pairs, in file order: each common
+// parameter line before the first section (filtered as the driver reads
+// it: blanks and quotes dropped, split at the first "=") is one entry of
+// one pair; each line of the "[vendors]" section is one entry of its
+// `key = "value"` pairs (blanks and quotes at either end of a key or value
+// dropped). A line that yields no pair (no "=", an empty key, a key or
+// value too long, more than UIL_PARAM_ENTRY_MAX_KEYS pairs) is passed over
+// and traced; the values are not checked against the tables.
+// 1024 (an empty list when there is nothing); 1026 null argument;
+// UIL_RET_DRVCFG_NO_FILE; 1037 out of memory (the list is then empty).
+inline constexpr size_t UIL_PARAM_ENTRY_MAX_KEYS = 8;
+inline constexpr size_t UIL_PARAM_KEY_LEN = 64;
+struct UilParamPair {
+    char key[UIL_PARAM_KEY_LEN + 1];
+    char value[UIL_DRVCFG_LINE_BUF];
+};
+struct UilParamEntry {
+    MPI_ListNode links;
+    uint32_t line;  // 1-based line number in the file
+    uint32_t count;
+    UilParamPair pairs[UIL_PARAM_ENTRY_MAX_KEYS];
+};
+uint32_t INTF_UIL_EnumerateConfigStart(MPI_ListNode* head, uint32_t* count);
+void INTF_UIL_EnumerateConfigEnd(MPI_ListNode* head);
+uint32_t INTF_UIL_EnumerateVendorConfigStart(MPI_ListNode* head, uint32_t* count);
+void INTF_UIL_EnumerateVendorConfigEnd(MPI_ListNode* head);
+
 // The operation-log record of an added or deleted rule: "vendor;product".
 void UIL_VendorOperRecord(const char* vendor, const char* product, UilOperLogPara* record);
 

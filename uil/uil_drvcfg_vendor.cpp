@@ -1,5 +1,6 @@
 // The supported-array (vendor) rules of the driver parameter file, the
-// driver's notification of added and deleted rules, and the driver column.
+// driver's notification of added and deleted rules, the driver column, and
+// the whole file read back as entries of key/value pairs.
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -56,8 +57,6 @@ uint32_t UIL_FormatRulerToBuf(const char* vendor, const char* product, const cha
 
 namespace {
 
-constexpr size_t kMaxVendorKeys = 8;
-
 // A character at either end dropped, as often as it stands there
 // (UIL_FilterBeginEndSpace for blanks, UIL_FilterBeginEndChar for quotes).
 std::string_view trimEnds(std::string_view s, char c)
@@ -91,18 +90,23 @@ char* ruleField(UilVendorRule* rule, const char* key, size_t* capacity)
 
 }  // namespace
 
-bool UIL_ParseVendorLine(const char* line, UilVendorRule* rule)
+namespace {
+
+// Splits a line into its `key = "value"` pairs, separated by ",", with the
+// blanks and quotes at either end of keys and values dropped. False (traced)
+// for a line too long, a pair without "=", an empty key, a key or value
+// that does not fit, or more than UIL_PARAM_ENTRY_MAX_KEYS pairs.
+bool splitPairs(std::string_view line, UilParamEntry* entry)
 {
-    UIL_ASSERT(line != nullptr && rule != nullptr);
-    *rule = UilVendorRule{};
+    entry->count = 0;
     char buf[UIL_DRVCFG_LINE_BUF];
     if (!filteredLine(line, 1, buf)) {
         UIL_ERR("%s: Key or value too long.", __func__);
         return false;
     }
     std::string_view rest(buf);
-    for (size_t keys = 0; !trimEnds(rest, ' ').empty(); ++keys) {
-        if (keys == kMaxVendorKeys) {
+    while (!trimEnds(rest, ' ').empty()) {
+        if (entry->count == UIL_PARAM_ENTRY_MAX_KEYS) {
             UIL_ERR("beyound max num keys for vendor");
             return false;
         }
@@ -111,22 +115,48 @@ bool UIL_ParseVendorLine(const char* line, UilVendorRule* rule)
         rest = comma == std::string_view::npos ? std::string_view() : rest.substr(comma + 1);
         size_t eq = pair.find('=');
         if (eq == std::string_view::npos) {
-            UIL_ERR("%s: no \"=\" in \"%s\"", __func__, line);
+            UIL_ERR("%s: no \"=\" in \"%s\"", __func__, buf);
             return false;
         }
-        std::string key(trimEnds(trimEnds(pair.substr(0, eq), ' '), '"'));
-        std::string value(trimEnds(trimEnds(pair.substr(eq + 1), ' '), '"'));
-        size_t capacity = 0;
-        char* field = ruleField(rule, key.c_str(), &capacity);
-        if (field == nullptr) {
-            continue;  // a key this program does not use
-        }
-        if (INTF_UIL_IsParamValueValid(UIL_FindVendorParam(key.c_str()), value.c_str()) != 1 ||
-            value.size() >= capacity) {
+        std::string_view key = trimEnds(trimEnds(pair.substr(0, eq), ' '), '"');
+        std::string_view value = trimEnds(trimEnds(pair.substr(eq + 1), ' '), '"');
+        UilParamPair& out = entry->pairs[entry->count];
+        if (key.empty() || key.size() >= sizeof(out.key) || value.size() >= sizeof(out.value)) {
             UIL_ERR("%s: Key or value too long.", __func__);
             return false;
         }
-        (void)strcpy_s(field, capacity, value.c_str());
+        (void)memcpy_s(out.key, sizeof(out.key), key.data(), key.size());
+        out.key[key.size()] = '\0';
+        (void)memcpy_s(out.value, sizeof(out.value), value.data(), value.size());
+        out.value[value.size()] = '\0';
+        ++entry->count;
+    }
+    return true;
+}
+
+}  // namespace
+
+bool UIL_ParseVendorLine(const char* line, UilVendorRule* rule)
+{
+    UIL_ASSERT(line != nullptr && rule != nullptr);
+    *rule = UilVendorRule{};
+    UilParamEntry entry;
+    if (!splitPairs(line, &entry)) {
+        return false;
+    }
+    for (uint32_t i = 0; i < entry.count; ++i) {
+        const UilParamPair& pair = entry.pairs[i];
+        size_t capacity = 0;
+        char* field = ruleField(rule, pair.key, &capacity);
+        if (field == nullptr) {
+            continue;  // a key this program does not use
+        }
+        if (INTF_UIL_IsParamValueValid(UIL_FindVendorParam(pair.key), pair.value) != 1 ||
+            std::strlen(pair.value) >= capacity) {
+            UIL_ERR("%s: Key or value too long.", __func__);
+            return false;
+        }
+        (void)strcpy_s(field, capacity, pair.value);
     }
     if (rule->vendor[0] == '\0' || rule->product[0] == '\0') {
         UIL_ERR("%s: \"%s\" names no vendor or product", __func__, line);
@@ -306,7 +336,12 @@ uint32_t INTF_UIL_DelVendor(const char* vendor, const char* product)
                                                                          : UIL_RET_VENDOR_NOTIFY_FAIL;
 }
 
-void INTF_UIL_EndShowVendor(MPI_ListNode* head)
+namespace {
+
+// Unlinks and frees every record of a list built here; safe on a head
+// that was never initialised by a Start.
+template <typename Record>
+void freeRecords(MPI_ListNode* head)
 {
     if (head == nullptr || head->next == nullptr) {
         return;
@@ -314,9 +349,13 @@ void INTF_UIL_EndShowVendor(MPI_ListNode* head)
     while (!MPI_ListEmpty(head)) {
         MPI_ListNode* node = head->next;
         MPI_ListDelete(node);
-        std::free(MPI_LIST_ENTRY(node, UilVendorRule, links));
+        std::free(MPI_LIST_ENTRY(node, Record, links));
     }
 }
+
+}  // namespace
+
+void INTF_UIL_EndShowVendor(MPI_ListNode* head) { freeRecords<UilVendorRule>(head); }
 
 uint32_t INTF_UIL_StartShowVendor(MPI_ListNode* head, uint32_t* count)
 {
@@ -363,6 +402,95 @@ uint32_t INTF_UIL_GetKernelDrivername(const char* vendor, const char* product, c
     }
     return UIL_RET_VENDOR_NOT_EXIST;
 }
+
+namespace {
+
+// Which lines an enumeration takes: the common lines before the first
+// section, or the lines of the "[vendors]" section.
+enum class Part { Common, Vendors };
+
+// The common line in `buf` (filtered in mode 0) as one pair.
+bool commonPair(const char* buf, UilParamEntry* entry)
+{
+    const char* eq = std::strchr(buf, '=');
+    UilParamPair& out = entry->pairs[0];
+    const size_t keyLen = eq == nullptr ? 0 : static_cast<size_t>(eq - buf);
+    if (keyLen == 0 || keyLen >= sizeof(out.key)) {
+        UIL_ERR("%s: \"%s\" is no key = value line", __func__, buf);
+        return false;
+    }
+    (void)memcpy_s(out.key, sizeof(out.key), buf, keyLen);
+    out.key[keyLen] = '\0';
+    (void)strcpy_s(out.value, sizeof(out.value), eq + 1);  // shorter than the line buffer it came from
+    entry->count = 1;
+    return true;
+}
+
+uint32_t enumerateEntries(Part part, MPI_ListNode* head, uint32_t* count)
+{
+    if (head == nullptr || count == nullptr) {
+        UIL_ERR("Enumerate config entries failed: null argument");
+        return MPI_RET_INVALID_PARAM;
+    }
+    MPI_ListInit(head);
+    *count = 0;
+    CfgText text;
+    uint32_t ret = loadCfg(UIL_GetConfFileNamePath(), &text);
+    if (ret != MPI_RET_SUCCESS) {
+        return ret;
+    }
+    bool inVendors = false;
+    char buf[UIL_DRVCFG_LINE_BUF];
+    for (size_t i = 0; i < text.lines.size(); ++i) {
+        const bool readable = filteredLine(text.lines[i], 0, buf);
+        if (readable && buf[0] == '[') {
+            if (part == Part::Common || inVendors) {
+                break;  // the common lines, or the vendors section, end here
+            }
+            inVendors = std::strcmp(buf, UIL_DRVCFG_VENDORS) == 0;
+            continue;
+        }
+        if ((readable && buf[0] == '\0') || (part == Part::Vendors && !inVendors)) {
+            continue;
+        }
+        auto* entry = static_cast<UilParamEntry*>(UIL_ZMalloc(sizeof(UilParamEntry)));
+        if (entry == nullptr) {
+            UIL_ERR("Allocate memory of config entry fail");
+            freeRecords<UilParamEntry>(head);
+            *count = 0;
+            return MPI_RET_NO_MEMORY;
+        }
+        const bool ok = part == Part::Vendors ? splitPairs(text.lines[i], entry)
+                                              : readable ? commonPair(buf, entry) : false;
+        if (!ok) {
+            if (!readable) {
+                UIL_ERR("%s: line %zu too long", __func__, i + 1);
+            }
+            std::free(entry);
+            continue;
+        }
+        entry->line = static_cast<uint32_t>(i + 1);
+        MPI_ListAddTail(&entry->links, head);
+        ++*count;
+    }
+    return MPI_RET_SUCCESS;
+}
+
+}  // namespace
+
+uint32_t INTF_UIL_EnumerateConfigStart(MPI_ListNode* head, uint32_t* count)
+{
+    return enumerateEntries(Part::Common, head, count);
+}
+
+void INTF_UIL_EnumerateConfigEnd(MPI_ListNode* head) { freeRecords<UilParamEntry>(head); }
+
+uint32_t INTF_UIL_EnumerateVendorConfigStart(MPI_ListNode* head, uint32_t* count)
+{
+    return enumerateEntries(Part::Vendors, head, count);
+}
+
+void INTF_UIL_EnumerateVendorConfigEnd(MPI_ListNode* head) { freeRecords<UilParamEntry>(head); }
 
 void UIL_VendorOperRecord(const char* vendor, const char* product, UilOperLogPara* record)
 {

@@ -141,8 +141,8 @@ degraded path 2 reads "Normal":
   $ operlog | tail -n 1
   [13] [CLI] [1] [1396789523] [set phypathnormal path_id=2] [Set physical path(id = 2)iostate to normal] [1]
 
-A refusal the driver gives no reason for (a plain failure, injected here)
-goes to the internal-error printer; the log says nothing changed:
+A refusal with a code of no meaning to this command (injected here) goes
+to the internal-error printer; the log says nothing changed:
 
   $ echo '50 code=1031 1' > "$CVADM_ROOT/sim/faults"
   $ echo y | cv set phypathnormal path_id=2; echo "[$?]"; sent
@@ -151,7 +151,7 @@ goes to the internal-error printer; the log says nothing changed:
   Are you sure you want to continue? [y,n]: 
   Failed to execute the command due to internal errors.
   [1]
-  sub=24 result=1031 word=0 path=2 at16=19 at40=0 size=608
+  sub=24 result=1031 word=1031 path=2 at16=19 at40=0 size=608
   $ operlog | tail -n 1
   [14] [CLI] [1] [1396789523] [set phypathnormal path_id=2] [Set physical path(id = 2)iostate to normal] [0]
 

@@ -91,17 +91,28 @@ An existing rule is refused, the file unchanged:
   [1]
   $ cmp "$conf" "$PWD/now"
 
-Declining changes nothing and tells the driver nothing:
+Declining changes nothing, tells the driver nothing and writes no
+operation-log line; the operator chose it, so the command succeeds:
 
   $ : > "$CVADM_ROOT/sim/requests.log"
+  $ wc -l < "$CVADM_ROOT/opt/Corvane/log/oper_log"
+  4
   $ printf 'n\n' | cvu del supportarraylist vendor=ACME "product=Box Q"
   
   Please confirm that this model of disk array can be managed by the Corvane. Otherwise, LUNs of the disk array cannot be accessed.
   Are you sure you want to continue? [y,n]: 
   The command was cancelled; nothing was changed.
-  [1]
+  [0]
+  $ printf 'n\n' | cvu add supportarraylist vendor=NEW product=Box
+  
+  Please confirm that this model of disk array can be managed by the Corvane. Otherwise, LUNs of the disk array cannot be accessed.
+  Are you sure you want to continue? [y,n]: 
+  The command was cancelled; nothing was changed.
+  [0]
   $ cmp "$conf" "$PWD/now"
   $ cat "$CVADM_ROOT/sim/requests.log"
+  $ wc -l < "$CVADM_ROOT/opt/Corvane/log/oper_log"
+  4
 
 Deleting removes exactly the rule's line:
 

@@ -70,7 +70,7 @@ TEST_F(ArraySet, EachEntryPointSendsItsFieldsAtTheirOffsets)
 }
 
 // A refused sub-command names its reason in the frame and in the result
-// word; a frame refusal without a word reads as the channel's failure.
+// word; a request the driver fails outright reads as the channel's failure.
 TEST_F(ArraySet, ControllerStateRefusalsComeBackAsTheDriverGaveThem)
 {
     struct Row {
@@ -86,7 +86,7 @@ TEST_F(ArraySet, ControllerStateRefusalsComeBackAsTheDriverGaveThem)
         {"unknown array", 9, 0, true, "", 1057},
         {"unknown controller", 2, 5, true, "", 1026},
         {"driver fails the request", 2, 0, false, "50 refuse\n", 1031},
-        {"driver answers without a result word", 2, 0, false, "50 code=1029\n", 1031},
+        {"a refusal injected with its code", 2, 0, false, "50 code=1029\n", 1029},
         {"enabling the last controller", 3, 0, true, "", 1024},
     };
     for (const Row& row : rows) {

@@ -520,6 +520,64 @@ TEST_F(DrvCfg, RulesAsTheFileHoldsThem)
     EXPECT_TRUE(rules().empty());
 }
 
+// Each entry as "line: key=value; key=value".
+std::vector<std::string> entries(uint32_t (*start)(MPI_ListNode*, uint32_t*), void (*end)(MPI_ListNode*))
+{
+    MPI_ListNode head;
+    uint32_t count = 0;
+    const uint32_t ret = start(&head, &count);
+    if (ret != MPI_RET_SUCCESS) {
+        return {"(failed " + std::to_string(ret) + ")"};
+    }
+    std::vector<std::string> out;
+    for (MPI_ListNode* n = head.next; n != &head; n = n->next) {
+        const UilParamEntry* e = MPI_LIST_ENTRY(n, UilParamEntry, links);
+        std::string text = std::to_string(e->line) + ":";
+        for (uint32_t i = 0; i < e->count; ++i) {
+            text += std::string(i == 0 ? " " : "; ") + e->pairs[i].key + "=" + e->pairs[i].value;
+        }
+        out.push_back(text);
+    }
+    EXPECT_EQ(count, out.size());
+    end(&head);
+    return out;
+}
+
+TEST_F(DrvCfg, WholeFileAsCommonAndVendorEntries)
+{
+    writeFile(conf(), kHead + "no pair here\n=\"keyless\"\n" + std::string(600, 'x') + "=1\n" + "[vendors]\n" +
+                          kRuleA + "garbage without pairs\n" +
+                          "a=1,b=2,c=3,d=4,e=5,f=6,g=7,h=8,i=9\n"  // too many pairs
+                          "vendor_id = \"Q\" , extra = \"\"\n" +
+                          kRuleB + "[other]\nvendor_id = \"OUT\";\n");
+    const std::vector<std::string> common = {
+        "2: version=2",
+        "3: max_busy=999",  // not a key of the table: listed all the same
+        "4: max_busy_retries=30",
+        "5: busy_retry_delay=10",
+        "6: default_loadbalance=round-robin",
+        "7: timezone_offset=-60",
+    };
+    EXPECT_EQ(entries(INTF_UIL_EnumerateConfigStart, INTF_UIL_EnumerateConfigEnd), common);
+    const std::vector<std::string> vendors = {
+        "13: ruler_name=Ruler_CORVANE_Dorado; vendor_id=CORVANE; product_id=Dorado; driver=alua",
+        "16: vendor_id=Q; extra=",
+        "17: ruler_name=Ruler_HPE_MSA 2040; vendor_id=HPE; product_id=MSA 2040; driver=dft",
+    };
+    EXPECT_EQ(entries(INTF_UIL_EnumerateVendorConfigStart, INTF_UIL_EnumerateVendorConfigEnd), vendors);
+
+    writeFile(conf(), "");
+    EXPECT_TRUE(entries(INTF_UIL_EnumerateConfigStart, INTF_UIL_EnumerateConfigEnd).empty());
+    EXPECT_TRUE(entries(INTF_UIL_EnumerateVendorConfigStart, INTF_UIL_EnumerateVendorConfigEnd).empty());
+    fs::remove(conf());
+    const std::vector<std::string> missing = {"(failed " + std::to_string(UIL_RET_DRVCFG_NO_FILE) + ")"};
+    EXPECT_EQ(entries(INTF_UIL_EnumerateConfigStart, INTF_UIL_EnumerateConfigEnd), missing);
+    EXPECT_EQ(entries(INTF_UIL_EnumerateVendorConfigStart, INTF_UIL_EnumerateVendorConfigEnd), missing);
+    EXPECT_FALSE(fs::exists(conf()));
+    uint32_t count = 0;
+    EXPECT_EQ(INTF_UIL_EnumerateConfigStart(nullptr, &count), MPI_RET_INVALID_PARAM);
+}
+
 TEST_F(DrvCfg, ADriverThatRefusesLeavesTheSavedRule)
 {
     g_driverAnswer = MPI_RET_IOCTL_FAIL;

@@ -14,6 +14,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/cli_pathset.h"
+#include "cli/cli_reliability.h"
 #include "support/sim_harness.h"
 #include "uil/uil.h"
 #include "uil/uil_setcfg.h"
@@ -174,8 +176,13 @@ TEST_F(PathSetSim, RefusalsComeBackWithTheDriversCode)
         {"obsolete but not faulty", [] { return INTF_UIL_ClearObsoletePath("CLI", 0, nullptr); }, "", 1060},
         {"unknown path", [] { return INTF_UIL_SetPhyPathState("CLI", 999, true, nullptr); }, "", 1026},
         {"refused frame", [] { return INTF_UIL_SetPhyPathState("CLI", 4, true, nullptr); }, "50 refuse 1", 1031},
-        {"code without word", [] { return INTF_UIL_ClearObsoletePath("CLI", 19, nullptr); }, "50 code=1030 1",
-         1031},
+        // Injected codes arrive in the frame and the result word, as the
+        // driver's own refusals do.
+        {"injected 1059", [] { return INTF_UIL_ClearObsoletePath("CLI", 19, nullptr); }, "50 code=1059 1", 1059},
+        {"injected 1060", [] { return INTF_UIL_ClearObsoletePath("CLI", 19, nullptr); }, "50 code=1060 1", 1060},
+        {"injected 1029", [] { return INTF_UIL_SetPhyPathState("CLI", 4, false, nullptr); }, "50 code=1029 1", 1029},
+        {"injected 1047",
+         [] { return INTF_UIL_SetPhyPathIoState("CLI", 4, "CVIOC_PATH_IO_NORMAL", nullptr); }, "50 code=1047 1", 1047},
         {"statistic request fails", [] { return INTF_UIL_ClearPhyPathStatistic(0, nullptr); }, "108 code=1030 1",
          UIL_RET_CLEAR_STAT_FAIL},
         {"clearing refused", [] { return INTF_UIL_ClearIoCount(); }, "105 refuse 1", 1031},
@@ -245,6 +252,10 @@ TEST_F(PathSetSim, StateChangeChecksStopAtTheFirstThatFails)
         {"array unreadable", 0, false, "12 code=1057 1", UIL_PATHSTATE_NO_ARRAY, 0, 0},
         // ... an enable of its LUN-less path goes on, to find no support.
         {"array without disks, enabling", 15, true, "", UIL_PATHSTATE_NOT_SUPPORTED, 3, 0},
+        // Reading the array asks for its controllers first (answered
+        // empty here); the third controller query is the check's own.
+        {"controller missing", 6, true, "61 code=1024 2\n61 refuse 1", UIL_PATHSTATE_NO_CONTROLLER, 1, 0},
+        {"controller missing, disabling", 6, false, "61 code=1024 2\n61 refuse 1", UIL_PATHSTATE_OK, 1, 0},
         {"controller disabled", 14, true, "", UIL_PATHSTATE_CONTROLLER_DISABLED, 4, 1},
         {"controller disabled, disabling", 14, false, "", UIL_PATHSTATE_OK, 4, 1},
         {"all well", 6, true, "", UIL_PATHSTATE_OK, 1, 0},
@@ -262,6 +273,39 @@ TEST_F(PathSetSim, StateChangeChecksStopAtTheFirstThatFails)
         for (const Request& r : requests()) {
             EXPECT_NE(r.nr, 50u);  // checking never changes anything
         }
+    }
+}
+
+// The HBA check looks the HBA up by the path's initiator port: path 0 runs
+// over HBA 0, path 4 over the disabled HBA 1.
+TEST_F(PathSetSim, HbaCheckRefusesADisabledHbaAndAFailedLookup)
+{
+    const std::string internal = "Failed to execute the command due to internal errors.\n";
+    struct Row {
+        const char* what;
+        uint32_t path;
+        const char* faults;
+        uint8_t result;
+        std::string printed;
+    };
+    const Row rows[] = {
+        {"enabled HBA", 0, "", 1, ""},
+        {"disabled HBA", 4, "", 0, "The path cannot be enabled since the HBA is in disabled state.\n"},
+        {"lookup refused", 0, "64 refuse 1", 0, internal},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        PathRecord path(row.path);
+        ASSERT_EQ(path.ret, MPI_RET_SUCCESS);
+        setFaults(row.faults);
+        clearRequests();
+        testing::internal::CaptureStdout();
+        const uint8_t result = MPCLI_CheckHbaInfo(&path.info);
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), row.printed);
+        EXPECT_EQ(result, row.result);
+        ASSERT_EQ(requests().size(), 1u);
+        EXPECT_EQ(requests()[0].nr, 64u);
+        EXPECT_EQ(std::string(reinterpret_cast<const char*>(requests()[0].in.data() + 12)), path.info.initiatorPort);
     }
 }
 
@@ -480,6 +524,18 @@ TEST_F(PathSetSim, AFailedQueryLeavesOnlyThatLineOut)
         paths.push_back(r->pathId);
     }
     EXPECT_EQ(paths, (std::vector<uint32_t>{1, 2, 3, 4, 5, 18}));
+}
+
+// A handler called without even its own keyword asks for more and reads
+// nothing.
+TEST_F(PathSetSim, CounterDisplaysWithoutTheirKeywordNeedMore)
+{
+    for (auto show : {MPCLI_ShowIoCount, MPCLI_ShowIoLatency}) {
+        testing::internal::CaptureStdout();
+        EXPECT_EQ(show(0, nullptr), 0);
+        EXPECT_EQ(testing::internal::GetCapturedStdout().rfind("Error: Need more option\nUsage: [OPTION]\n", 0), 0u);
+        EXPECT_TRUE(requests().empty());
+    }
 }
 
 TEST_F(PathSetSim, SwitchesReadWhatWasStoredAndClearingZeroesEveryCounter)
