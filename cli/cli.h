@@ -107,7 +107,7 @@ void MPCLI_FormatCheckStatus(const UilStatusRecord* rec, char* out, size_t size)
 void MPCLI_Print(const char* fmt, ...) __attribute__((format(printf, 1, 2)));
 
 // Driver events and supported-array rules (cli_event.cpp, cli_vendor.cpp).
-uint8_t MPCLI_ShowEvent(uint32_t argc, char** argv);
-uint8_t MPCLI_ShowSupportArrayList(uint32_t argc, char** argv);
-uint8_t MPCLI_AddSupportArrayList(uint32_t argc, char** argv);
-uint8_t MPCLI_DelSupportArrayList(uint32_t argc, char** argv);
+uint8_t MPCLI_ShowEvent(const MPCLI_Command& command);
+uint8_t MPCLI_ShowSupportArrayList(const MPCLI_Command& command);
+uint8_t MPCLI_AddSupportArrayList(const MPCLI_Command& command);
+uint8_t MPCLI_DelSupportArrayList(const MPCLI_Command& command);

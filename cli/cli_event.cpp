@@ -86,9 +86,8 @@ std::string formatTable(const std::vector<EventRow>& rows)
 
 }  // namespace
 
-uint8_t MPCLI_ShowEvent(uint32_t argc, char** argv)
+uint8_t MPCLI_ShowEvent(const MPCLI_Command& command)
 {
-    const MPCLI_Command command(argc, argv);
     uint32_t latest = 0;  // all
     if (command.size() > 2) {
         return eventUsage();

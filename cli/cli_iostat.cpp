@@ -773,9 +773,8 @@ Ended MPCLI_GetIoStatusBySecondsAndWrite(const IostatArgs& args, const std::vect
 
 // show iostat vlun_id=<ID1,...> [type=...] [interval=] [file_name= [archive_time=] [duration=]]
 // show iostat array_id=<ID1,...> [interval=] [file_name= [archive_time=] [duration=]]
-uint8_t MPCLI_ShowIostat(uint32_t argc, char** argv)
+uint8_t MPCLI_ShowIostat(const MPCLI_Command& command)
 {
-    const MPCLI_Command command(argc, argv);
     IostatArgs args;
     if (!MPCLI_InputIdsParser(command, &args)) {
         return MPCLI_RESULT_FAIL;
@@ -797,8 +796,8 @@ uint8_t MPCLI_ShowIostat(uint32_t argc, char** argv)
     }
     bool ok = ended != Ended::Failed && wroteAll;
     if (args.toFile) {
-        // argv[0] is "iostat": the logged command text is every word after the verb.
-        MPCLI_OperLog("show", argc, argv, UIL_OPER_WRITE_PERF_REPORT, ok ? 1 : 0, nullptr);
+        // Word 0 is "iostat": the logged command text is every word after the verb.
+        MPCLI_OperLog("show", command, UIL_OPER_WRITE_PERF_REPORT, ok ? 1 : 0, nullptr);
     }
     if (g_termRequested != 0) {
         // Everything of the run is out; now end as the sender asked, under

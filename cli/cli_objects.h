@@ -12,7 +12,7 @@
 // Handlers of `show array`, `show vlun` and `show path`.
 uint8_t MPCLI_ShowArray(const MPCLI_Command& command);
 uint8_t MPCLI_ShowVLun(uint32_t argc, char** argv);
-uint8_t MPCLI_ShowPath(uint32_t argc, char** argv);
+uint8_t MPCLI_ShowPath(const MPCLI_Command& command);
 
 // The name shown for a controller (see UIL_strFormatControllerId): the TPG's
 // own name, else "0A"-style or plain numbering, "-" when it cannot be named.
@@ -33,4 +33,4 @@ void MPCLI_PrintConfigForArray(const UilFullCfg& config);
 void MPCLI_PrintConfigForVlun(const UilFullCfg& config);
 
 // show iostat (cli_iostat.cpp).
-uint8_t MPCLI_ShowIostat(uint32_t argc, char** argv);
+uint8_t MPCLI_ShowIostat(const MPCLI_Command& command);

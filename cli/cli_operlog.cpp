@@ -19,18 +19,16 @@ bool g_bOperLogFailed = false;
 
 }  // namespace
 
-void MPCLI_BuildCommandText(uint32_t argc, char** argv, char* out, size_t size)
+void MPCLI_BuildCommandText(const MPCLI_Command& command, char* out, size_t size)
 {
     CLI_ASSERT(out != NULL);
     if (size == 0) {
         return;
     }
     std::string text;
-    for (uint32_t i = 0; argv != nullptr && i < argc; ++i) {
-        if (argv[i] != nullptr) {
-            text += ' ';
-            text += argv[i];
-        }
+    for (const MPCLI_Word& word : command.words()) {
+        text += ' ';
+        text += word.raw;
     }
     (void)strncpy_s(out, size, text.c_str(), size - 1);
 }
@@ -57,21 +55,15 @@ void writeLine(const char* verb, const char* command, uint32_t eventId, uint8_t 
 void MPCLI_OperLog(const char* verb, uint32_t argc, char** argv, uint32_t eventId, uint8_t result,
                    const UilOperLogPara* record)
 {
-    char command[kCommandLen];
-    MPCLI_BuildCommandText(argc, argv, command, sizeof(command));
-    writeLine(verb, command, eventId, result, record);
+    MPCLI_OperLog(verb, MPCLI_Command(argc, argv), eventId, result, record);
 }
 
 void MPCLI_OperLog(const char* verb, const MPCLI_Command& command, uint32_t eventId, uint8_t result,
                    const UilOperLogPara* record)
 {
-    std::string text;
-    for (const MPCLI_Word& word : command.words()) {
-        text += ' ';
-        text += word.raw;
-    }
-    text.resize(std::min(text.size(), kCommandLen - 1));
-    writeLine(verb, text.c_str(), eventId, result, record);
+    char text[kCommandLen];
+    MPCLI_BuildCommandText(command, text, sizeof(text));
+    writeLine(verb, text, eventId, result, record);
 }
 
 bool MPCLI_TakeOperLogFailure()

@@ -6,9 +6,12 @@
 
 #include "uil/uil_oper.h"
 
-// The command text of the line: each word after the verb, each preceded by
-// a blank (" tod_time=30"), cut to what `out` holds.
-void MPCLI_BuildCommandText(uint32_t argc, char** argv, char* out, size_t size);
+class MPCLI_Command;
+
+// The command text of the line: each word of the handler's command (the
+// words after the verb), each preceded by a blank (" tod_time=30"), cut to
+// what `out` holds.
+void MPCLI_BuildCommandText(const MPCLI_Command& command, char* out, size_t size);
 
 // Writes the line for a command of the shell (source "CLI"): `verb` ("set",
 // "clear", ...), the words after the verb, the event, the result flag (1
@@ -18,7 +21,6 @@ void MPCLI_BuildCommandText(uint32_t argc, char** argv, char* out, size_t size);
 void MPCLI_OperLog(const char* verb, uint32_t argc, char** argv, uint32_t eventId, uint8_t result,
                    const UilOperLogPara* record);
 
-class MPCLI_Command;
 // The same for a parsed command: its words after word 0 are the line's
 // words after the verb only when word 0 is the verb's object keyword, so
 // `command` is the handler's own command (its keyword is logged too).

@@ -289,22 +289,21 @@ void MPCLI_PrintDiskPath(const UilPathInfo& path, uint32_t indent)
     MPCLI_Print("  : %s\n", path.pathState);
 }
 
-uint8_t MPCLI_ShowPath(uint32_t argc, char** argv)
+uint8_t MPCLI_ShowPath(const MPCLI_Command& command)
 {
-    if (argc == 0 || argv == nullptr || argv[0] == nullptr) {
+    if (command[0].raw.empty()) {  // not even its own keyword
         MPCLI_Print("Error: Need more option\n");
         MPCLI_CVMUsage();
         return MPCLI_RESULT_FAIL;
     }
-    if (argc == 1) {
+    if (command.size() == 1) {
         return MPCLI_ShowPathAll();
     }
-    if (argc > kMaxWords) {
+    if (command.size() > kMaxWords) {
         return printInvalidUsage();
     }
-    const MPCLI_Command command(argc, argv);
     const MPCLI_Word& word = command[1];
-    if (!word.hasEqual || word.key.size() > kKeyLen) {
+    if (!word.hasEqual || word.key.size() > kKeyLen || !command.keysAccepted()) {
         return printInvalidUsage();
     }
     if (word.key == "id") {

@@ -133,9 +133,8 @@ uint8_t MPCLI_CheckHbaInfo(const UilPathInfo* path)
     return MPCLI_RESULT_OK;
 }
 
-uint8_t MPCLI_SetPhyPathState(uint32_t argc, char** argv)
+uint8_t MPCLI_SetPhyPathState(const MPCLI_Command& command)
 {
-    const MPCLI_Command command(argc, argv);
     bool enable = false;
     uint32_t pathId = 0;
     if (!readSwitch(command[0], &enable) || !readOnePath(command, &pathId)) {
@@ -147,7 +146,7 @@ uint8_t MPCLI_SetPhyPathState(uint32_t argc, char** argv)
     const UilPathStateCheck check = UIL_CanSetPhyPathState(pathId, enable);
     if (check.refusal != UIL_PATHSTATE_OK) {
         printStateRefusal(check, pathId, enable);
-        MPCLI_OperLog(kSet, argc, argv, event, MPCLI_RESULT_FAIL, &record);
+        MPCLI_OperLog(kSet, command, event, MPCLI_RESULT_FAIL, &record);
         return MPCLI_RESULT_FAIL;
     }
     const uint32_t ret = INTF_UIL_SetPhyPathState(kSource, pathId, enable, &record);
@@ -165,13 +164,12 @@ uint8_t MPCLI_SetPhyPathState(uint32_t argc, char** argv)
                         "application.\n");
         }
     }
-    MPCLI_OperLog(kSet, argc, argv, event, outcome(ok), &record);
+    MPCLI_OperLog(kSet, command, event, outcome(ok), &record);
     return outcome(ok);
 }
 
-uint8_t MPCLI_SetPhyPathNormal(uint32_t argc, char** argv)
+uint8_t MPCLI_SetPhyPathNormal(const MPCLI_Command& command)
 {
-    const MPCLI_Command command(argc, argv);
     uint32_t pathId = 0;
     if (!command[0].is("phypathnormal") || !readOnePath(command, &pathId)) {
         return usage(kNormalUsage);
@@ -192,7 +190,7 @@ uint8_t MPCLI_SetPhyPathNormal(uint32_t argc, char** argv)
     }
     if (refusal != nullptr) {
         MPCLI_Print(refusal, pathId);
-        MPCLI_OperLog(kSet, argc, argv, UIL_OPER_PHY_PATH_IOSTATE, MPCLI_RESULT_FAIL, &record);
+        MPCLI_OperLog(kSet, command, UIL_OPER_PHY_PATH_IOSTATE, MPCLI_RESULT_FAIL, &record);
         return MPCLI_RESULT_FAIL;
     }
     if (MPCLI_RiskPrompt(kNormalPrompt) == 0) {
@@ -210,13 +208,12 @@ uint8_t MPCLI_SetPhyPathNormal(uint32_t argc, char** argv)
     }
     // The driver refusing a disabled path is an answer the operator acts
     // on, not a failure of the command; the log still says nothing changed.
-    MPCLI_OperLog(kSet, argc, argv, UIL_OPER_PHY_PATH_IOSTATE, outcome(ret == MPI_RET_SUCCESS), &record);
+    MPCLI_OperLog(kSet, command, UIL_OPER_PHY_PATH_IOSTATE, outcome(ret == MPI_RET_SUCCESS), &record);
     return outcome(ret == MPI_RET_SUCCESS || ret == UIL_RET_PATH_DISABLED);
 }
 
-uint8_t MPCLI_StartPhyPathCheck(uint32_t argc, char** argv)
+uint8_t MPCLI_StartPhyPathCheck(const MPCLI_Command& command)
 {
-    const MPCLI_Command command(argc, argv);
     std::array<uint32_t, MPCLI_MAX_IDS> ids{};
     uint32_t count = 0;
     if (command.size() != 2 || !readIds(command[1], kPathIdKey, MPCLI_MAX_IDS, MPCLI_ID_PATH, ids.data(), &count)) {
@@ -227,7 +224,7 @@ uint8_t MPCLI_StartPhyPathCheck(uint32_t argc, char** argv)
         return MPCLI_RESULT_OK;
     }
     char text[kCommandLen];
-    MPCLI_BuildCommandText(argc, argv, text, sizeof(text));
+    MPCLI_BuildCommandText(command, text, sizeof(text));
     bool all = true;
     for (uint32_t i = 0; i < count; ++i) {
         uint32_t state = UIL_PATH_CHECK_NOT_SENT;
@@ -244,9 +241,8 @@ uint8_t MPCLI_StartPhyPathCheck(uint32_t argc, char** argv)
     return outcome(all);
 }
 
-uint8_t MPCLI_ClearObsoletePath(uint32_t argc, char** argv)
+uint8_t MPCLI_ClearObsoletePath(const MPCLI_Command& command)
 {
-    const MPCLI_Command command(argc, argv);
     uint32_t pathId = 0;
     if (!command[0].is("obsolete_path") || !readOnePath(command, &pathId)) {
         return usage(kObsoleteUsage);
@@ -256,7 +252,7 @@ uint8_t MPCLI_ClearObsoletePath(uint32_t argc, char** argv)
     UilPathInfo path{};
     if (INTF_UIL_GetPhyPathInfo(pathId, &path) != MPI_RET_SUCCESS) {
         MPCLI_Print(kNoPath, pathId);
-        MPCLI_OperLog(kClear, argc, argv, UIL_OPER_CLEAR_OBSOLETE_PATH, MPCLI_RESULT_FAIL, &record);
+        MPCLI_OperLog(kClear, command, UIL_OPER_CLEAR_OBSOLETE_PATH, MPCLI_RESULT_FAIL, &record);
         return MPCLI_RESULT_FAIL;
     }
     const uint32_t ret = INTF_UIL_ClearObsoletePath(kSource, pathId, &record);
@@ -269,7 +265,7 @@ uint8_t MPCLI_ClearObsoletePath(uint32_t argc, char** argv)
     } else {
         MPCLI_PrintfInternalErrorInfo(ret);
     }
-    MPCLI_OperLog(kClear, argc, argv, UIL_OPER_CLEAR_OBSOLETE_PATH, outcome(ret == MPI_RET_SUCCESS), &record);
+    MPCLI_OperLog(kClear, command, UIL_OPER_CLEAR_OBSOLETE_PATH, outcome(ret == MPI_RET_SUCCESS), &record);
     return outcome(ret == MPI_RET_SUCCESS);
 }
 
@@ -279,7 +275,7 @@ uint8_t MPCLI_ClearObsoletePath(uint32_t argc, char** argv)
 namespace {
 
 // Clears one path that exists; each path tried gets its log line.
-bool clearPathStatistic(uint32_t argc, char** argv, uint32_t pathId)
+bool clearPathStatistic(const MPCLI_Command& command, uint32_t pathId)
 {
     UilOperLogPara record{};
     UIL_PathOperRecordId(pathId, &record);
@@ -289,13 +285,13 @@ bool clearPathStatistic(uint32_t argc, char** argv, uint32_t pathId)
     if (!ok) {
         MPCLI_Print(kNoPath, pathId);
     }
-    MPCLI_OperLog(kClear, argc, argv, UIL_OPER_CLEAR_PATH_STATISTIC, outcome(ok), &record);
+    MPCLI_OperLog(kClear, command, UIL_OPER_CLEAR_PATH_STATISTIC, outcome(ok), &record);
     return ok;
 }
 
 // Every physical path of an array. `quietEmpty`: an array without paths is
 // no failure (the whole-host form).
-bool clearArrayStatistic(uint32_t argc, char** argv, uint32_t arrayId, bool quietEmpty)
+bool clearArrayStatistic(const MPCLI_Command& command, uint32_t arrayId, bool quietEmpty)
 {
     if (INTF_UIL_ArrayIDIsExist(arrayId) != MPI_RET_SUCCESS) {
         MPCLI_Print("The disk array whose ID is %u does not exist.\n", arrayId);
@@ -313,16 +309,15 @@ bool clearArrayStatistic(uint32_t argc, char** argv, uint32_t arrayId, bool quie
     }
     bool all = true;
     for (uint32_t pathId : list->view()) {
-        all = clearPathStatistic(argc, argv, pathId) && all;
+        all = clearPathStatistic(command, pathId) && all;
     }
     return all;
 }
 
 }  // namespace
 
-uint8_t MPCLI_ClearPathStatistic(uint32_t argc, char** argv)
+uint8_t MPCLI_ClearPathStatistic(const MPCLI_Command& command)
 {
-    const MPCLI_Command command(argc, argv);
     if (command.size() > 2 || !command[0].is("path_statistic") || !command.keysIn({kPathIdKey, kArrayIdKey})) {
         return usage(kStatisticUsage);
     }
@@ -334,7 +329,7 @@ uint8_t MPCLI_ClearPathStatistic(uint32_t argc, char** argv)
             return usage(kStatisticUsage);
         }
         for (uint32_t i = 0; i < count; ++i) {
-            all = clearPathStatistic(argc, argv, ids[i]) && all;
+            all = clearPathStatistic(command, ids[i]) && all;
         }
         MPCLI_Print(all ? "Statistics of all specified paths cleared successfully.\n"
                         : "Statistics of some specified paths cleared unsuccessfully.\n");
@@ -345,7 +340,7 @@ uint8_t MPCLI_ClearPathStatistic(uint32_t argc, char** argv)
             return usage(kStatisticUsage);
         }
         for (uint32_t i = 0; i < count; ++i) {
-            all = clearArrayStatistic(argc, argv, ids[i], false) && all;
+            all = clearArrayStatistic(command, ids[i], false) && all;
         }
         MPCLI_Print(all ? "Statistics of all specified arrays cleared successfully.\n"
                         : "Statistics of some specified arrays cleared unsuccessfully.\n");
@@ -359,7 +354,7 @@ uint8_t MPCLI_ClearPathStatistic(uint32_t argc, char** argv)
         return MPCLI_RESULT_FAIL;
     }
     for (uint32_t i = 0; i < arrayCount && i < arrays.size(); ++i) {
-        all = clearArrayStatistic(argc, argv, arrays[i], true) && all;
+        all = clearArrayStatistic(command, arrays[i], true) && all;
     }
     MPCLI_Print(all ? "Statistics of all paths cleared successfully.\n"
                     : "Statistics of some paths cleared unsuccessfully.\n");

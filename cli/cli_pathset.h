@@ -5,13 +5,14 @@
 
 #include <cstdint>
 
+#include "cli/cli_command.h"
 #include "uil/uil_path.h"
 
-uint8_t MPCLI_SetPhyPathState(uint32_t argc, char** argv);
-uint8_t MPCLI_SetPhyPathNormal(uint32_t argc, char** argv);
-uint8_t MPCLI_StartPhyPathCheck(uint32_t argc, char** argv);
-uint8_t MPCLI_ClearObsoletePath(uint32_t argc, char** argv);
-uint8_t MPCLI_ClearPathStatistic(uint32_t argc, char** argv);
+uint8_t MPCLI_SetPhyPathState(const MPCLI_Command& command);
+uint8_t MPCLI_SetPhyPathNormal(const MPCLI_Command& command);
+uint8_t MPCLI_StartPhyPathCheck(const MPCLI_Command& command);
+uint8_t MPCLI_ClearObsoletePath(const MPCLI_Command& command);
+uint8_t MPCLI_ClearPathStatistic(const MPCLI_Command& command);
 
 // Whether the HBA behind a physical path (looked up by the path's initiator
 // port) lets the path be enabled: 1 when it does; 0 after saying why (a

@@ -103,15 +103,14 @@ uint8_t printUsage(const char* keyword)
     return MPCLI_RESULT_FAIL;
 }
 
-uint8_t showReliability(uint32_t argc, char** argv, const char* keyword, Table table)
+uint8_t showReliability(const MPCLI_Command& command, const char* keyword, Table table)
 {
-    const MPCLI_Command command(argc, argv);
     if (command[0].raw.empty()) {  // not even its own keyword
         MPCLI_Print("Error: Need more option\n");
         MPCLI_CVMUsage();
         return MPCLI_RESULT_FAIL;
     }
-    if (command.size() > 2 || !command.keysIn({kVlunIdKey})) {
+    if (command.size() > 2 || !command.keysAccepted()) {
         return printUsage(keyword);
     }
     if (command.size() == 1) {
@@ -150,9 +149,9 @@ uint8_t showReliability(uint32_t argc, char** argv, const char* keyword, Table t
     return MPCLI_RESULT_OK;
 }
 
-uint8_t showSwitch(uint32_t argc, const char* keyword, uint32_t (*get)(char*, size_t))
+uint8_t showSwitch(const MPCLI_Command& command, const char* keyword, uint32_t (*get)(char*, size_t))
 {
-    if (argc != 1) {
+    if (command.size() != 1) {
         MPCLI_Print("Error: Invalid input!\nUsage:\n    -- show %s\n", keyword);
         return MPCLI_RESULT_FAIL;
     }
@@ -168,29 +167,29 @@ uint8_t showSwitch(uint32_t argc, const char* keyword, uint32_t (*get)(char*, si
 
 }  // namespace
 
-uint8_t MPCLI_ShowIoCount(uint32_t argc, char** argv)
+uint8_t MPCLI_ShowIoCount(const MPCLI_Command& command)
 {
-    return showReliability(argc, argv, "io_count", Table::Count);
+    return showReliability(command, "io_count", Table::Count);
 }
 
-uint8_t MPCLI_ShowIoLatency(uint32_t argc, char** argv)
+uint8_t MPCLI_ShowIoLatency(const MPCLI_Command& command)
 {
-    return showReliability(argc, argv, "io_latency", Table::Latency);
+    return showReliability(command, "io_latency", Table::Latency);
 }
 
-uint8_t MPCLI_ShowAlarmEnable(uint32_t argc, char** /*argv*/)
+uint8_t MPCLI_ShowAlarmEnable(const MPCLI_Command& command)
 {
-    return showSwitch(argc, "alarmenable", INTF_UIL_GetAlarmEnable);
+    return showSwitch(command, "alarmenable", INTF_UIL_GetAlarmEnable);
 }
 
-uint8_t MPCLI_ShowReliabilityEnable(uint32_t argc, char** /*argv*/)
+uint8_t MPCLI_ShowReliabilityEnable(const MPCLI_Command& command)
 {
-    return showSwitch(argc, "path_reliability_enable", INTF_UIL_GetReliabilityEnable);
+    return showSwitch(command, "path_reliability_enable", INTF_UIL_GetReliabilityEnable);
 }
 
-uint8_t MPCLI_ClearIoCount(uint32_t argc, char** argv)
+uint8_t MPCLI_ClearIoCount(const MPCLI_Command& command)
 {
-    if (argc != 1) {
+    if (command.size() != 1) {
         MPCLI_Print("Error: Invalid input!\nUsage:\n    -- clear io_count\n");
         return MPCLI_RESULT_FAIL;
     }
@@ -201,6 +200,6 @@ uint8_t MPCLI_ClearIoCount(uint32_t argc, char** argv)
     } else {
         MPCLI_PrintfInternalErrorInfo(ret);
     }
-    MPCLI_OperLog("clear", argc, argv, UIL_OPER_CLEAR_IO_COUNT, ok ? MPCLI_RESULT_OK : MPCLI_RESULT_FAIL, nullptr);
+    MPCLI_OperLog("clear", command, UIL_OPER_CLEAR_IO_COUNT, ok ? MPCLI_RESULT_OK : MPCLI_RESULT_FAIL, nullptr);
     return ok ? MPCLI_RESULT_OK : MPCLI_RESULT_FAIL;
 }

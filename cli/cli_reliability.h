@@ -4,8 +4,10 @@
 
 #include <cstdint>
 
-uint8_t MPCLI_ShowIoCount(uint32_t argc, char** argv);
-uint8_t MPCLI_ShowIoLatency(uint32_t argc, char** argv);
-uint8_t MPCLI_ShowAlarmEnable(uint32_t argc, char** argv);
-uint8_t MPCLI_ShowReliabilityEnable(uint32_t argc, char** argv);
-uint8_t MPCLI_ClearIoCount(uint32_t argc, char** argv);
+#include "cli/cli_command.h"
+
+uint8_t MPCLI_ShowIoCount(const MPCLI_Command& command);
+uint8_t MPCLI_ShowIoLatency(const MPCLI_Command& command);
+uint8_t MPCLI_ShowAlarmEnable(const MPCLI_Command& command);
+uint8_t MPCLI_ShowReliabilityEnable(const MPCLI_Command& command);
+uint8_t MPCLI_ClearIoCount(const MPCLI_Command& command);

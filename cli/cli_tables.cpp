@@ -34,20 +34,20 @@ constexpr std::array kOptions = std::to_array<MPCLI_Option>({
 constexpr std::array kShow = std::to_array<MPCLI_Option>({
     {"version", HELP_SHOW_VERSION, MPCLI_ShowVersion, N, "verbose"},
     {"array", HELP_SHOW_ARRAY, MPCLI_ShowArray, N, "id verbose"},
-    {"path", HELP_SHOW_PATH, MPCLI_WordsHandler<MPCLI_ShowPath>, N, "id array_id"},
+    {"path", HELP_SHOW_PATH, MPCLI_ShowPath, N, "id array_id"},
     {"vlun", HELP_SHOW_VLUN, MPCLI_WordsHandler<MPCLI_ShowVLun>, N, "id array_id type verbose"},
     {"io_latency_threshold", HELP_SHOW_IO_LATENCY_THRESHOLD, MPCLI_ShowIoLatencyThreshold, N},
     {"workerstate", HELP_SHOW_WORKERSTATE, MPCLI_ShowWorker, N},
     // Driver events and supported-array rules.
-    {"event", HELP_SHOW_EVENT, MPCLI_WordsHandler<MPCLI_ShowEvent>, N, "count"},
-    {"supportarraylist", HELP_SHOW_SUPPORTARRAYLIST, MPCLI_WordsHandler<MPCLI_ShowSupportArrayList>, N},
+    {"event", HELP_SHOW_EVENT, MPCLI_ShowEvent, N, "count"},
+    {"supportarraylist", HELP_SHOW_SUPPORTARRAYLIST, MPCLI_ShowSupportArrayList, N},
     // I/O rates per VLUN or array, and CSV performance reports.
-    {"iostat", HELP_SHOW_IOSTAT, MPCLI_WordsHandler<MPCLI_ShowIostat>, N, "vlun_id array_id type interval file_name archive_time duration"},
+    {"iostat", HELP_SHOW_IOSTAT, MPCLI_ShowIostat, N, "vlun_id array_id type interval file_name archive_time duration"},
     // I/O reliability.
-    {"io_count", HELP_SHOW_IO_COUNT, MPCLI_WordsHandler<MPCLI_ShowIoCount>, N, "vlun_id"},
-    {"io_latency", HELP_SHOW_IO_LATENCY, MPCLI_WordsHandler<MPCLI_ShowIoLatency>, N, "vlun_id"},
-    {"alarmenable", HELP_SHOW_ALARMENABLE, MPCLI_WordsHandler<MPCLI_ShowAlarmEnable>, N},
-    {"path_reliability_enable", HELP_SHOW_PATH_RELIABILITY_ENABLE, MPCLI_WordsHandler<MPCLI_ShowReliabilityEnable>, N},
+    {"io_count", HELP_SHOW_IO_COUNT, MPCLI_ShowIoCount, N, "vlun_id"},
+    {"io_latency", HELP_SHOW_IO_LATENCY, MPCLI_ShowIoLatency, N, "vlun_id"},
+    {"alarmenable", HELP_SHOW_ALARMENABLE, MPCLI_ShowAlarmEnable, N},
+    {"path_reliability_enable", HELP_SHOW_PATH_RELIABILITY_ENABLE, MPCLI_ShowReliabilityEnable, N},
 });
 
 // Rows of two tables as one.
@@ -82,8 +82,8 @@ constexpr std::array kSetCommands = std::to_array<MPCLI_Option>({
     {"alarmenable", HELP_SET_ALARMENABLE, MPCLI_WordsHandler<MPCLI_SetAlarmEnable>, N},
     {"path_reliability_enable", HELP_SET_PATH_RELIABILITY_ENABLE, MPCLI_WordsHandler<MPCLI_SetReliabilityEnable>, N},
     // Path commands.
-    {"pathstate", HELP_SET_PATHSTATE, MPCLI_WordsHandler<MPCLI_SetPhyPathState>, N, "path_id"},
-    {"phypathnormal", HELP_SET_PHYPATHNORMAL, MPCLI_WordsHandler<MPCLI_SetPhyPathNormal>, N, "path_id"},
+    {"pathstate", HELP_SET_PATHSTATE, MPCLI_SetPhyPathState, N, "path_id"},
+    {"phypathnormal", HELP_SET_PHYPATHNORMAL, MPCLI_SetPhyPathNormal, N, "path_id"},
 });
 
 // The value settings first, in the settings table's order.
@@ -92,22 +92,22 @@ constexpr auto kSet = joinRows(g_stCLISettingOptions, kSetCommands);
 constexpr std::array kStart = std::to_array<MPCLI_Option>({
     {"diskdriverupdate", "", MPCLI_StartDiskDriverUpdate, N},
     // Path commands.
-    {"pathcheck", HELP_START_PATHCHECK, MPCLI_WordsHandler<MPCLI_StartPhyPathCheck>, N, "path_id"},
+    {"pathcheck", HELP_START_PATHCHECK, MPCLI_StartPhyPathCheck, N, "path_id"},
 });
 
 // Supported-array rules.
 constexpr std::array kAdd = std::to_array<MPCLI_Option>({
-    {"supportarraylist", HELP_ADD_SUPPORTARRAYLIST, MPCLI_WordsHandler<MPCLI_AddSupportArrayList>, N, "vendor product driver"},
+    {"supportarraylist", HELP_ADD_SUPPORTARRAYLIST, MPCLI_AddSupportArrayList, N, "vendor product driver"},
 });
 constexpr std::array kDel = std::to_array<MPCLI_Option>({
-    {"supportarraylist", HELP_DEL_SUPPORTARRAYLIST, MPCLI_WordsHandler<MPCLI_DelSupportArrayList>, N, "vendor product"},
+    {"supportarraylist", HELP_DEL_SUPPORTARRAYLIST, MPCLI_DelSupportArrayList, N, "vendor product"},
 });
 constexpr std::array kClear = std::to_array<MPCLI_Option>({
     // Path commands.
-    {"obsolete_path", HELP_CLEAR_OBSOLETE_PATH, MPCLI_WordsHandler<MPCLI_ClearObsoletePath>, N, "path_id"},
-    {"path_statistic", HELP_CLEAR_PATH_STATISTIC, MPCLI_WordsHandler<MPCLI_ClearPathStatistic>, N, "path_id array_id"},
+    {"obsolete_path", HELP_CLEAR_OBSOLETE_PATH, MPCLI_ClearObsoletePath, N, "path_id"},
+    {"path_statistic", HELP_CLEAR_PATH_STATISTIC, MPCLI_ClearPathStatistic, N, "path_id array_id"},
     // I/O reliability.
-    {"io_count", HELP_CLEAR_IO_COUNT, MPCLI_WordsHandler<MPCLI_ClearIoCount>, N},
+    {"io_count", HELP_CLEAR_IO_COUNT, MPCLI_ClearIoCount, N},
 });
 
 constexpr std::array kCheck = std::to_array<MPCLI_Option>({

@@ -170,10 +170,9 @@ void printVendorError(uint32_t code, const VendorArgs& args)
 // then run `change` and log it. A declined prompt changes nothing and is
 // no failure.
 template <typename Change>
-uint8_t changeRule(uint32_t argc, char** argv, const char* verb, const char* help, size_t allowedKeys,
+uint8_t changeRule(const MPCLI_Command& command, const char* verb, const char* help, size_t allowedKeys,
                    uint32_t eventId, const char* done, Change change)
 {
-    const MPCLI_Command command(argc, argv);
     VendorArgs args;
     if (!parseVendorArgs(command, allowedKeys, &args)) {
         MPCLI_Print("Error: Invalid input!\n Usage:\n%s", help);
@@ -202,30 +201,29 @@ uint8_t changeRule(uint32_t argc, char** argv, const char* verb, const char* hel
     }
     UilOperLogPara record{};
     UIL_VendorOperRecord(args.vendor.c_str(), args.product.c_str(), &record);
-    MPCLI_OperLog(verb, argc, argv, eventId, result, &record);
+    MPCLI_OperLog(verb, command, eventId, result, &record);
     return result;
 }
 
 }  // namespace
 
-uint8_t MPCLI_AddSupportArrayList(uint32_t argc, char** argv)
+uint8_t MPCLI_AddSupportArrayList(const MPCLI_Command& command)
 {
-    return changeRule(argc, argv, "add", HELP_ADD_SUPPORTARRAYLIST, 3, UIL_OPER_ADD_VENDOR, "adding",
+    return changeRule(command, "add", HELP_ADD_SUPPORTARRAYLIST, 3, UIL_OPER_ADD_VENDOR, "adding",
                       [](const VendorArgs& a) {
                           return INTF_UIL_AddVendor(a.vendor.c_str(), a.product.c_str(),
                                                     a.hasDriver ? a.driver.c_str() : nullptr);
                       });
 }
 
-uint8_t MPCLI_DelSupportArrayList(uint32_t argc, char** argv)
+uint8_t MPCLI_DelSupportArrayList(const MPCLI_Command& command)
 {
-    return changeRule(argc, argv, "del", HELP_DEL_SUPPORTARRAYLIST, 2, UIL_OPER_DEL_VENDOR, "deleting",
+    return changeRule(command, "del", HELP_DEL_SUPPORTARRAYLIST, 2, UIL_OPER_DEL_VENDOR, "deleting",
                       [](const VendorArgs& a) { return INTF_UIL_DelVendor(a.vendor.c_str(), a.product.c_str()); });
 }
 
-uint8_t MPCLI_ShowSupportArrayList(uint32_t argc, char** argv)
+uint8_t MPCLI_ShowSupportArrayList(const MPCLI_Command& command)
 {
-    const MPCLI_Command command(argc, argv);
     if (command.size() > 1) {
         MPCLI_Print("Error: Invalid input!\n Usage:\n%s", HELP_SHOW_SUPPORTARRAYLIST);
         return MPCLI_RESULT_FAIL;

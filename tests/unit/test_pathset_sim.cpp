@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/cli.h"
 #include "cli/cli_pathset.h"
 #include "cli/cli_reliability.h"
 #include "support/sim_harness.h"
@@ -530,9 +531,10 @@ TEST_F(PathSetSim, AFailedQueryLeavesOnlyThatLineOut)
 // nothing.
 TEST_F(PathSetSim, CounterDisplaysWithoutTheirKeywordNeedMore)
 {
-    for (auto show : {MPCLI_ShowIoCount, MPCLI_ShowIoLatency}) {
+    char* none[] = {nullptr};
+    for (const char* show : {"io_count", "io_latency"}) {
         testing::internal::CaptureStdout();
-        EXPECT_EQ(show(0, nullptr), 0);
+        EXPECT_EQ(MPCLI_Dispatch(show, 0, none, g_stCLIOptionShowType), 0);
         EXPECT_EQ(testing::internal::GetCapturedStdout().rfind("Error: Need more option\nUsage: [OPTION]\n", 0), 0u);
         EXPECT_TRUE(requests().empty());
     }
