@@ -701,8 +701,6 @@ uint32_t INTF_UIL_EnumeratePhyPathPerfStart(uint32_t arrayId, MPI_ListNode* head
         head);
 }
 
-void INTF_UIL_EnumeratePhyPathPerfEnd(MPI_ListNode* head) { UIL_PerfListFree(head); }
-
 uint32_t INTF_UIL_EnumeratePathPerfStart(uint32_t diskId, MPI_ListNode* head)
 {
     return sampleListed<UIL_EnumeratePathIdsStart, UIL_EnumeratePathIdsEnd>(
@@ -745,4 +743,3 @@ uint32_t INTF_UIL_EnumerateAllPathPerfStart(MPI_ListNode* head)
     return MPI_RET_SUCCESS;
 }
 
-void INTF_UIL_EnumeratePathPerfEnd(MPI_ListNode* head) { UIL_PerfListFree(head); }

@@ -204,14 +204,13 @@ uint32_t INTF_UIL_GetPathIoStatisticInfo(uint32_t diskId, uint32_t pathId, UilPe
 // The physical paths of an array (UIL_ALL_ARRAYS: of every array), listed
 // with 0x29 and sampled one by one with 0x2b, in path ID order. A path that
 // cannot be read is skipped (traced). 1024; 2 when none could be read; the
-// listing's code; 1030 out of memory (nothing left in the list).
+// listing's code; 1030 out of memory (nothing left in the list). Like every
+// list of samples, the list is released with UIL_PerfListFree.
 uint32_t INTF_UIL_EnumeratePhyPathPerfStart(uint32_t arrayId, MPI_ListNode* head);
-void INTF_UIL_EnumeratePhyPathPerfEnd(MPI_ListNode* head);
 // The logical paths of one disk appended to `head`. Same codes.
 uint32_t INTF_UIL_EnumeratePathPerfStart(uint32_t diskId, MPI_ListNode* head);
 // The logical paths of every disk of every array. Same codes.
 uint32_t INTF_UIL_EnumerateAllPathPerfStart(MPI_ListNode* head);
-void INTF_UIL_EnumeratePathPerfEnd(MPI_ListNode* head);
 
 // ---------------------------------------------------------------------------
 // Periodic performance record.

@@ -142,6 +142,18 @@ TEST(LogInit, UnusableTraceLogNamesTheFile)
     EXPECT_EQ(MPI_LogInitFailure(), nullptr);
 }
 
+// The local time as asctime writes it, without its newline; the file
+// lookup has nothing to find on this system and says so.
+TEST(Util, TimeTextAndFileLookup)
+{
+    const std::string text = UTIL_GetTime();
+    ASSERT_EQ(text.size(), 24u) << text;
+    EXPECT_TRUE(std::regex_match(text, std::regex(R"([A-Z][a-z]{2} [A-Z][a-z]{2} [ 0-9]\d \d\d:\d\d:\d\d \d{4})")))
+        << text;
+    EXPECT_EQ(MPI_FindFile("/etc/passwd"), 0);
+    EXPECT_EQ(MPI_FindFile(nullptr), 0);
+}
+
 TEST(ZMalloc, LimitsAndZeroFill)
 {
     size_t before = readAll(traceFile()).size();

@@ -282,9 +282,20 @@ TEST(OperConvert, WholeKeysAndCutNumbers)
     const auto& openClose = g_astUILOpenCloseConvert;
     EXPECT_STREQ(UIL_StrTypeConvertToStr(openClose.data(), openClose.size(), "01", UIL_LANG_ENGLISH), "Unknown Str");
     EXPECT_STREQ(UIL_StrTypeConvertToStr(openClose.data(), openClose.size(), nullptr, UIL_LANG_LOCAL), "Unknown Str");
+    // A switch is its "1" or "0" row.
+    EXPECT_STREQ(UIL_BoolTypeConvertToStr(openClose.data(), openClose.size(), true, UIL_LANG_ENGLISH),
+                 UIL_StrTypeConvertToStr(openClose.data(), openClose.size(), "1", UIL_LANG_ENGLISH));
+    EXPECT_STREQ(UIL_BoolTypeConvertToStr(openClose.data(), openClose.size(), false, UIL_LANG_ENGLISH),
+                 UIL_StrTypeConvertToStr(openClose.data(), openClose.size(), "0", UIL_LANG_ENGLISH));
+    EXPECT_STRNE(UIL_BoolTypeConvertToStr(openClose.data(), openClose.size(), true, UIL_LANG_ENGLISH),
+                 UIL_BoolTypeConvertToStr(openClose.data(), openClose.size(), false, UIL_LANG_ENGLISH));
     char text[8];
     UIL_UintTypeConvertToStr(4294967295u, text, sizeof(text));
     EXPECT_STREQ(text, "4294967");
+    UIL_IntTypeConvertToStr(-2147483647 - 1, text, sizeof(text));
+    EXPECT_STREQ(text, "-214748");
+    UIL_IntTypeConvertToStr(-5, text, sizeof(text));
+    EXPECT_STREQ(text, "-5");
 }
 
 // ---------------------------------------------------------------------------

@@ -98,6 +98,27 @@ TEST(PerfRates, TableOfIntervals)
     }
 }
 
+// The total response time on its own is the response time added over both
+// directions per I/O, before any side is silenced for a low rate: the
+// trickle's one read of 7 ms counts here.
+TEST(PerfRates, TotalResponseTimeAlone)
+{
+    const std::pair<const char*, uint64_t> totals[] = {
+        {"normal", 2}, {"counter reset", 2}, {"trickle", 7}, {"no io", 0}, {"reads below one KB/s", 10},
+    };
+    for (auto [name, total] : totals) {
+        const RateCase* c = nullptr;
+        for (const RateCase& r : kRateCases) {
+            c = std::string(r.name) == name ? &r : c;
+        }
+        ASSERT_NE(c, nullptr) << name;
+        UilPerfInfo prev = info(c->prev);
+        UilPerfInfo cur = info(c->cur);
+        UIL_ComputeTotalResonseTime(&cur, &prev);
+        EXPECT_EQ(cur.v[UIL_PERF_TOTAL_RT], total) << name;
+    }
+}
+
 TEST(PerfRates, ByteRatesAloneAndZeroIntervalOfTheSVariant)
 {
     UilPerfInfo prev = info({0, 0, 0, 0, 1000, 0, 0, 0});
@@ -375,36 +396,60 @@ TEST_F(PerfLists, SortsAreStableAndKeyed)
     EXPECT_STREQ(entries(&cur)[2]->initiator, "fourth");
 }
 
+// The array and the initiator sums are carried from one interval to the
+// next, reset and averaged alike.
 TEST_F(PerfLists, ReplaceCarriesBlocksAndEmptiesCurrent)
 {
-    UilPerfEntry* old = addEntry(&prev, {UIL_PERF_ARRAY, 0, 4, 0, 0, 0, ""}, {});
-    old->maxmin = UilPerfMaxMin{90, 10, 900, 100, 9, 1};
-    old->accum.v[UIL_PERF_READ_IOPS] = 33;
-    old->accumSamples = 3;
-    addEntry(&prev, {UIL_PERF_ARRAY, 0, 6, 0, 0, 0, ""}, {});  // gone from the new sample
-    UilPerfEntry* kept = addEntry(&cur, {UIL_PERF_ARRAY, 0, 4, 0, 0, 0, ""}, {1, 0, 0, 0, 0, 0, 0, 0});
-    UilPerfEntry* added = addEntry(&cur, {UIL_PERF_ARRAY, 0, 5, 0, 0, 0, ""}, {});
+    struct Family {
+        UilPerfKind kind;
+        void (*replace)(MPI_ListNode*, MPI_ListNode*);
+        void (*resetMaxMin)(MPI_ListNode*);
+        void (*average)(UilPerfEntry*);
+    };
+    const Family families[] = {
+        {UIL_PERF_ARRAY, INTF_UIL_ReplaceArrayPerfData, INTF_UIL_InitPathPerfMaxMin, UIL_ComputeArrayAveragePerf},
+        {UIL_PERF_INITIATOR, INTF_UIL_ReplaceInitiatorPerfData, INTF_UIL_InitPhyPathPerfMaxMin,
+         UIL_ComputeInitiatorAveragePerf},
+    };
+    for (const Family& f : families) {
+        SCOPED_TRACE(f.kind);
+        UIL_PerfListFree(&prev);
+        UIL_PerfListFree(&cur);
+        const bool byName = f.kind == UIL_PERF_INITIATOR;
+        // An array is known by its ID, an initiator by its name.
+        auto row = [&](uint32_t id) {
+            static const char* const kNames[] = {"iqn.4", "iqn.5", "iqn.6"};
+            return PathRow{f.kind, 0, byName ? 0 : id, 0, 0, 0, byName ? kNames[id - 4] : ""};
+        };
+        UilPerfEntry* old = addEntry(&prev, row(4), {});
+        old->maxmin = UilPerfMaxMin{90, 10, 900, 100, 9, 1};
+        old->accum.v[UIL_PERF_READ_IOPS] = 33;
+        old->accumSamples = 3;
+        addEntry(&prev, row(6), {});  // gone from the new sample
+        UilPerfEntry* kept = addEntry(&cur, row(4), {1, 0, 0, 0, 0, 0, 0, 0});
+        UilPerfEntry* added = addEntry(&cur, row(5), {});
 
-    INTF_UIL_ReplaceArrayPerfData(&cur, &prev);
-    EXPECT_TRUE(MPI_ListEmpty(&cur));
-    auto now = entries(&prev);
-    ASSERT_EQ(now.size(), 2u);
-    EXPECT_EQ(now[0], kept);
-    EXPECT_EQ(now[1], added);
-    EXPECT_EQ(kept->maxmin.maxIops, 90u);
-    EXPECT_EQ(kept->accumSamples, 3u);
-    EXPECT_EQ(kept->perf.v[0], 1u) << "the new sample stays";
-    EXPECT_EQ(added->maxmin.minIops, UINT64_MAX) << "a new object starts with a reset block";
+        f.replace(&cur, &prev);
+        EXPECT_TRUE(MPI_ListEmpty(&cur));
+        auto now = entries(&prev);
+        ASSERT_EQ(now.size(), 2u);
+        EXPECT_EQ(now[0], kept);
+        EXPECT_EQ(now[1], added);
+        EXPECT_EQ(kept->maxmin.maxIops, 90u);
+        EXPECT_EQ(kept->accumSamples, 3u);
+        EXPECT_EQ(kept->perf.v[0], 1u) << "the new sample stays";
+        EXPECT_EQ(added->maxmin.minIops, UINT64_MAX) << "a new object starts with a reset block";
 
-    INTF_UIL_InitPathPerfMaxMin(&prev);
-    EXPECT_EQ(kept->maxmin.maxIops, 0u);
-    kept->accum.v[UIL_PERF_WRITE_RT] = 10;
-    kept->accum.v[UIL_PERF_READ_IOPS] = 35;
-    kept->accumSamples = 5;
-    UIL_ComputeArrayAveragePerf(kept);
-    EXPECT_EQ(kept->perf.v[UIL_PERF_READ_IOPS], 7u);
-    EXPECT_EQ(kept->perf.v[UIL_PERF_WRITE_RT], 2u);
-    EXPECT_EQ(kept->perf.v[0], 1u) << "averages touch only the computed values";
+        f.resetMaxMin(&prev);
+        EXPECT_EQ(kept->maxmin.maxIops, 0u);
+        kept->accum.v[UIL_PERF_WRITE_RT] = 10;
+        kept->accum.v[UIL_PERF_READ_IOPS] = 35;
+        kept->accumSamples = 5;
+        f.average(kept);
+        EXPECT_EQ(kept->perf.v[UIL_PERF_READ_IOPS], 7u);
+        EXPECT_EQ(kept->perf.v[UIL_PERF_WRITE_RT], 2u);
+        EXPECT_EQ(kept->perf.v[0], 1u) << "averages touch only the computed values";
+    }
 }
 
 // ---------------------------------------------------------------------------
