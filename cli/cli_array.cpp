@@ -75,7 +75,7 @@ uint8_t showArrayTable()
     {
         MPI_Ended<INTF_UIL_EnumerateArrayEnd> owned(&arrays);
         for (const MPI_ListNode* node = arrays.next; node != &arrays; node = node->next) {
-            addArrayRow(grid, *UIL_ListEntry<ArrayInfo>(node));
+            addArrayRow(grid, *MPI_ListEntry<ArrayInfo>(node));
         }
     }
     MPCLI_WriteGrid(arrayLayout(), grid);
@@ -107,7 +107,7 @@ void printController(const ArrayInfo& array, const UilController& controller, Ui
     MPCLI_Print("       LunCount: %u\n", controller.lunCount);
     MPCLI_Print("       PathInfo: \n");
     for (const MPI_ListNode* node = controller.paths.next; node != &controller.paths; node = node->next) {
-        const UilPathInfo* path = UIL_ListEntry<UilPathInfo>(node);
+        const UilPathInfo* path = MPI_ListEntry<UilPathInfo>(node);
         if (path->lunCount != 0) {
             MPCLI_Print("                Path%u: %s\n", path->pathId, path->pathState);
         }
@@ -124,7 +124,7 @@ void MPCLI_PrintArraysForDetail(const ArrayInfo& array)
     MPCLI_Print("Product Name   : %s\n", array.product);
     UilControllerNamer namer;
     for (const MPI_ListNode* node = array.controllers.next; node != &array.controllers; node = node->next) {
-        const UilController* controller = UIL_ListEntry<UilController>(node);
+        const UilController* controller = MPI_ListEntry<UilController>(node);
         if (controller->lunCount != 0) {
             printController(array, *controller, namer);
         }

@@ -123,7 +123,7 @@ uint8_t MPCLI_ShowEvent(const MPCLI_Command& command)
     std::vector<EventRow> rows;
     rows.reserve(count);
     for (const MPI_ListNode* n = head.next; n != &head; n = n->next) {
-        rows.push_back(rowOf(*UIL_ListEntry<UilEventInfo>(n)));
+        rows.push_back(rowOf(*MPI_ListEntry<UilEventInfo>(n)));
     }
     MPCLI_Print("%s", formatTable(rows).c_str());
     return MPCLI_RESULT_OK;

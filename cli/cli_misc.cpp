@@ -87,7 +87,7 @@ void printStatusSection()
     }
     MPCLI_Print("%-13s%-25s%-25s%-128s\n", "Serverity", "Array", "Type", "Description");
     for (MPI_ListNode* node = records.next; node != &records; node = node->next) {
-        const UilStatusRecord* rec = MPI_LIST_ENTRY(node, UilStatusRecord, links);
+        const UilStatusRecord* rec = MPI_ListEntry<UilStatusRecord>(node);
         char description[512];
         MPCLI_FormatCheckStatus(rec, description, sizeof(description));
         MPCLI_Print("%-13s%-25s%-25s%-128s\n", severityText(rec->severity), rec->arrayName,

@@ -122,7 +122,7 @@ size_t printPathList(const MPI_ListNode& paths, UilControllerNamer& namer)
     MPCLI_TableLayout& layout = pathLayout();
     MPCLI_Grid grid(kPathColumns.size());
     for (const MPI_ListNode* node = paths.next; node != &paths; node = node->next) {
-        addPathRow(grid, layout, *UIL_ListEntry<UilPathInfo>(node), namer);
+        addPathRow(grid, layout, *MPI_ListEntry<UilPathInfo>(node), namer);
     }
     if (grid.rows() == 0) {
         return 0;

@@ -248,7 +248,7 @@ uint8_t MPCLI_ShowSupportArrayList(const MPCLI_Command& command)
     // Widths: the longest cell of each column, at least its header.
     int widths[3] = {6, 7, 6};
     for (const MPI_ListNode* n = head.next; n != &head; n = n->next) {
-        const UilVendorRule* r = UIL_ListEntry<UilVendorRule>(n);
+        const UilVendorRule* r = MPI_ListEntry<UilVendorRule>(n);
         widths[0] = std::max(widths[0], static_cast<int>(std::strlen(r->vendor)));
         widths[1] = std::max(widths[1], static_cast<int>(std::strlen(r->product)));
         widths[2] = std::max(widths[2], static_cast<int>(std::strlen(r->driver)));
@@ -261,7 +261,7 @@ uint8_t MPCLI_ShowSupportArrayList(const MPCLI_Command& command)
     table += line;
     table += dash + "\n";
     for (const MPI_ListNode* n = head.next; n != &head; n = n->next) {
-        const UilVendorRule* r = UIL_ListEntry<UilVendorRule>(n);
+        const UilVendorRule* r = MPI_ListEntry<UilVendorRule>(n);
         (void)std::snprintf(line, sizeof(line), "%-*s  %-*s  %s\n", widths[0], r->vendor, widths[1], r->product,
                             r->driver);
         table += line;

@@ -169,6 +169,18 @@ inline void MPI_ListAddHead(MPI_ListNode* node, MPI_ListNode* head) { __MPI_List
 inline void MPI_ListAddTail(MPI_ListNode* node, MPI_ListNode* head) { __MPI_ListInsert(node, head->prev, head); }
 inline void MPI_ListDelete(MPI_ListNode* node) { __MPI_ListDelete(node->prev, node->next); }
 
-// The record that embeds `member` at `node`.
+// The record whose `links` member is `node`: every listed record names its
+// node so.
+template <typename T>
+T* MPI_ListEntry(MPI_ListNode* node)
+{
+    return reinterpret_cast<T*>(reinterpret_cast<char*>(node) - offsetof(T, links));
+}
+template <typename T>
+const T* MPI_ListEntry(const MPI_ListNode* node)
+{
+    return reinterpret_cast<const T*>(reinterpret_cast<const char*>(node) - offsetof(T, links));
+}
+// The same, for the lists whose users still name the member.
 #define MPI_LIST_ENTRY(node, type, member) \
     (reinterpret_cast<type*>(reinterpret_cast<char*>(node) - offsetof(type, member)))

@@ -156,7 +156,7 @@ void INTF_UIL_EnumerateArrayEnd(MPI_ListNode* head)
         MPI_ListNode* node = head->next;
         MPI_ListDelete(node);
         MPI_ListInit(node);
-        ArrayInfo* array = UIL_ListEntry<ArrayInfo>(node);
+        ArrayInfo* array = MPI_ListEntry<ArrayInfo>(node);
         INTF_UIL_GetArrayInfoEnd(array);
         std::free(array);
     }

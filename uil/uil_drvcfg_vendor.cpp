@@ -349,7 +349,7 @@ void freeRecords(MPI_ListNode* head)
     while (!MPI_ListEmpty(head)) {
         MPI_ListNode* node = head->next;
         MPI_ListDelete(node);
-        std::free(MPI_LIST_ENTRY(node, Record, links));
+        std::free(MPI_ListEntry<Record>(node));
     }
 }
 

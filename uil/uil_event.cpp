@@ -560,7 +560,7 @@ void INTF_UIL_ShowEventEnd(MPI_ListNode* head)
     while (!MPI_ListEmpty(head)) {
         MPI_ListNode* node = head->next;
         MPI_ListDelete(node);
-        std::free(MPI_LIST_ENTRY(node, UilEventInfo, links));
+        std::free(MPI_ListEntry<UilEventInfo>(node));
     }
 }
 
@@ -600,7 +600,7 @@ uint32_t INTF_UIL_ShowLatestEvents(MPI_ListNode* head, uint32_t latest, uint32_t
         if (latest != 0 && *count == latest) {
             MPI_ListNode* oldest = head->next;
             MPI_ListDelete(oldest);
-            std::free(MPI_LIST_ENTRY(oldest, UilEventInfo, links));
+            std::free(MPI_ListEntry<UilEventInfo>(oldest));
         } else {
             ++*count;
         }

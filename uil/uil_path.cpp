@@ -160,7 +160,7 @@ void UIL_PathListFree(MPI_ListNode* head)
         MPI_ListNode* node = head->next;
         MPI_ListDelete(node);
         MPI_ListInit(node);
-        std::free(UIL_ListEntry<UilPathInfo>(node));
+        std::free(MPI_ListEntry<UilPathInfo>(node));
     }
 }
 

@@ -196,7 +196,7 @@ void UIL_PerfListFree(MPI_ListNode* head)
     while (!MPI_ListEmpty(head)) {
         MPI_ListNode* node = head->next;
         MPI_ListDelete(node);
-        std::free(MPI_LIST_ENTRY(node, UilPerfEntry, links));
+        std::free(MPI_ListEntry<UilPerfEntry>(node));
     }
 }
 
@@ -217,7 +217,7 @@ void forEach(MPI_ListNode* head, Fn fn)
 {
     for (MPI_ListNode* node = head->next; node != head;) {
         MPI_ListNode* next = node->next;
-        fn(MPI_LIST_ENTRY(node, UilPerfEntry, links));
+        fn(MPI_ListEntry<UilPerfEntry>(node));
         node = next;
     }
 }
@@ -287,7 +287,7 @@ UilPerfEntry* UIL_PerfListFind(MPI_ListNode* list, const UilPerfEntry* key)
 {
     UIL_ASSERT(list != nullptr && key != nullptr);
     for (MPI_ListNode* node = list->next; node != list; node = node->next) {
-        UilPerfEntry* e = MPI_LIST_ENTRY(node, UilPerfEntry, links);
+        UilPerfEntry* e = MPI_ListEntry<UilPerfEntry>(node);
         if (sameObject(*e, *key)) {
             return e;
         }

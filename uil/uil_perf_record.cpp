@@ -70,7 +70,7 @@ template <class Fn>
 void forEachEntry(MPI_ListNode* head, Fn fn)
 {
     for (MPI_ListNode* node = head->next; node != head; node = node->next) {
-        fn(MPI_LIST_ENTRY(node, UilPerfEntry, links));
+        fn(MPI_ListEntry<UilPerfEntry>(node));
     }
 }
 

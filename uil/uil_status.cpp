@@ -87,9 +87,9 @@ uint32_t StatusCollector::scanPaths(const ArrayInfo& array)
 {
     const MPI_ListNode* controllers = &array.controllers;
     for (const MPI_ListNode* c = controllers->next; c != controllers; c = c->next) {
-        const UilController* controller = UIL_ListEntry<UilController>(c);
+        const UilController* controller = MPI_ListEntry<UilController>(c);
         for (const MPI_ListNode* p = controller->paths.next; p != &controller->paths; p = p->next) {
-            const UilPathInfo* path = UIL_ListEntry<UilPathInfo>(p);
+            const UilPathInfo* path = MPI_ListEntry<UilPathInfo>(p);
             m_paths[path->pathId] = path;
             uint32_t type = 0;
             uint32_t severity = 0;
@@ -120,12 +120,12 @@ uint32_t usableControllers(const ArrayInfo& array)
 {
     uint32_t count = 0;
     for (const MPI_ListNode* c = array.controllers.next; c != &array.controllers; c = c->next) {
-        const UilController* controller = UIL_ListEntry<UilController>(c);
+        const UilController* controller = MPI_ListEntry<UilController>(c);
         if (controller->state != UIL_TPG_ENABLED) {
             continue;
         }
         for (const MPI_ListNode* p = controller->paths.next; p != &controller->paths; p = p->next) {
-            if (isUsable(UIL_ListEntry<UilPathInfo>(p)->pathState)) {
+            if (isUsable(MPI_ListEntry<UilPathInfo>(p)->pathState)) {
                 ++count;
                 break;
             }
@@ -166,7 +166,7 @@ uint32_t StatusCollector::scanDisk(const ArrayInfo& array, uint32_t diskId, bool
     std::unordered_set<uint32_t> controllers;
     bool anyUsable = false;
     for (MPI_ListNode* p = paths.next; p != &paths; p = p->next) {
-        UilPathInfo* path = UIL_ListEntry<UilPathInfo>(p);
+        UilPathInfo* path = MPI_ListEntry<UilPathInfo>(p);
         if (disk.unavailable == 1 && std::strcmp(path->pathState, UIL_PATH_STATE_DISABLE) != 0) {
             path->pathState = UIL_PATH_STATE_FAULT;  // as the disk's detail shows it
         }
@@ -276,6 +276,6 @@ void INTF_UIL_CheckStatusEnd(MPI_ListNode* head)
         MPI_ListNode* node = head->next;
         MPI_ListDelete(node);
         MPI_ListInit(node);
-        std::free(UIL_ListEntry<UilStatusRecord>(node));
+        std::free(MPI_ListEntry<UilStatusRecord>(node));
     }
 }

@@ -48,7 +48,7 @@ void UIL_ControllerListFree(MPI_ListNode* head)
         MPI_ListNode* node = head->next;
         MPI_ListDelete(node);
         MPI_ListInit(node);
-        freeController(UIL_ListEntry<UilController>(node));
+        freeController(MPI_ListEntry<UilController>(node));
     }
 }
 
@@ -99,13 +99,13 @@ uint32_t UIL_ControllerLunCount(const MPI_ListNode* paths)
         return 0;
     }
     if (paths->next->next == paths) {  // a single path counts whatever its state
-        return UIL_ListEntry<UilPathInfo>(paths->next)->lunCount;
+        return MPI_ListEntry<UilPathInfo>(paths->next)->lunCount;
     }
     bool anyAlive = false;
     uint32_t best = 0;
     uint32_t last = 0;
     for (const MPI_ListNode* node = paths->next; node != paths; node = node->next) {
-        const UilPathInfo* path = UIL_ListEntry<UilPathInfo>(node);
+        const UilPathInfo* path = MPI_ListEntry<UilPathInfo>(node);
         last = path->lunCount;
         if (std::strcmp(path->pathState, UIL_PATH_STATE_FAULT) != 0) {
             anyAlive = true;

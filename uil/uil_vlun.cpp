@@ -50,9 +50,9 @@ void UIL_DiskDetailStatus(DiskInfo* d)
     bool anyDegraded = false;
     d->pathCount = 0;
     for (MPI_ListNode* c = d->controllers.next; c != &d->controllers; c = c->next) {
-        UilController* controller = UIL_ListEntry<UilController>(c);
+        UilController* controller = MPI_ListEntry<UilController>(c);
         for (MPI_ListNode* p = controller->paths.next; p != &controller->paths; p = p->next) {
-            UilPathInfo* path = UIL_ListEntry<UilPathInfo>(p);
+            UilPathInfo* path = MPI_ListEntry<UilPathInfo>(p);
             ++d->pathCount;
             anyNormal = anyNormal || std::strcmp(path->pathState, UIL_PATH_STATE_NORMAL) == 0;
             anyDegraded = anyDegraded || UIL_IsDegradedPathState(path->pathState);
@@ -344,7 +344,7 @@ void freeVLunList(MPI_ListNode* head)
         MPI_ListNode* node = head->next;
         MPI_ListDelete(node);
         MPI_ListInit(node);
-        VLunInfo* v = UIL_ListEntry<VLunInfo>(node);
+        VLunInfo* v = MPI_ListEntry<VLunInfo>(node);
         if (v->storage == nullptr) {
             std::free(v);
         } else {
@@ -412,7 +412,7 @@ void UIL_SortVLunListByVLunID(MPI_ListNode* head)
     UIL_ASSERT(head != nullptr);
     std::vector<VLunInfo*> all;
     for (MPI_ListNode* node = head->next; node != head; node = node->next) {
-        all.push_back(UIL_ListEntry<VLunInfo>(node));
+        all.push_back(MPI_ListEntry<VLunInfo>(node));
     }
     if (std::is_sorted(all.begin(), all.end(),
                        [](const VLunInfo* a, const VLunInfo* b) { return a->vlunId < b->vlunId; })) {
