@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <sstream>
 #include <string>
 
 #include "bounded/bounded.h"
@@ -20,6 +21,7 @@
 #include "cli/cli_out.h"
 #include "mpi/mpi_root.h"
 #include "uil/uil.h"
+#include "uil/uil_journal.h"
 
 uint8_t g_bCLIDebugCmdOn = 0;
 char* g_pszCLIProgname = nullptr;
@@ -347,6 +349,11 @@ uint8_t MPCLI_NewCmd(uint32_t argc, char** argv)
         ++argv;
     }
     const uint8_t result = MPCLI_Dispatch(argv[0], argc, argv, g_stCLIOptionsType);
+    // Damaged change records another writer left: set aside, never acted on.
+    std::istringstream notices(INTF_UIL_TakeJournalNotices());
+    for (std::string notice; std::getline(notices, notice);) {
+        std::fprintf(stderr, "cvadm: %s\n", notice.c_str());
+    }
     // A change whose log line could not be written has not fully happened.
     return MPCLI_TakeOperLogFailure() ? static_cast<uint8_t>(MPCLI_RESULT_FAIL) : result;
 }
