@@ -10,8 +10,10 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <sstream>
 
+#include "bounded/bounded.h"
 #include "mpi/mpi_number.h"
 #include "uil/uil.h"
 #include "uil/uil_cfg.h"
@@ -185,7 +187,8 @@ std::string UIL_JournalFormat(const UilIntent& intent)
         << "line=" << intent.line << "\n";
     std::string body = out.str();
     char sum[32];
-    (void)std::snprintf(sum, sizeof(sum), "sum=%016llx\n", static_cast<unsigned long long>(checksum(body)));
+    (void)snprintf_s(sum, sizeof(sum), sizeof(sum) - 1, "sum=%016llx\n",
+                     static_cast<unsigned long long>(checksum(body)));
     return body + sum;
 }
 
@@ -213,7 +216,7 @@ bool UIL_JournalParse(const std::string& text, UilIntent* intent)
         return false;
     }
     char sum[17];
-    (void)std::snprintf(sum, sizeof(sum), "%016llx",
+    (void)snprintf_s(sum, sizeof(sum), sizeof(sum) - 1, "%016llx",
                         static_cast<unsigned long long>(checksum(text.substr(0, bodyEnd))));
     UilIntent parsed;
     if (values[8] != sum || !phaseOf(values[0], &parsed.phase) ||
