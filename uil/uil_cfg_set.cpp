@@ -247,7 +247,9 @@ bool reapply(const UilIntent& intent)
     return ok;
 }
 
-void recoverDeadWriters()
+}  // namespace
+
+void UIL_CfgCompleteDeadWriters()
 {
     std::vector<std::string> notices;
     for (UilOrphanIntent& orphan : UIL_JournalOrphans(&notices)) {
@@ -270,6 +272,8 @@ void recoverDeadWriters()
     }
     UIL_FileErrorClear();
 }
+
+namespace {
 
 // The change about to be sent, recorded first.
 bool recordIntent(const Level& level, const char* key, const char* item, const char* value)
@@ -294,7 +298,7 @@ uint32_t setWhole(const Level& level, const char* key, const char* item, const c
         UIL_ERR("Init XML cfg file failed");
         return rc;
     }
-    recoverDeadWriters();
+    UIL_CfgCompleteDeadWriters();
     std::vector<UilUserCfgItem> before = itemBefore(level.type, key, item);
     if (UIL_SetConfig(level.type, key, item, value) != MPI_RET_SUCCESS) {
         UIL_ERR("Set %s <%s=%s> failed", what.text, item, value);
@@ -338,7 +342,7 @@ uint32_t deleteConfig(const Level& level, uint32_t objectId, const char* key, co
         UIL_ERR("Init XML cfg file failed");
         return rc;
     }
-    recoverDeadWriters();
+    UIL_CfgCompleteDeadWriters();
     std::vector<UilUserCfgItem> removed;
     rc = removeNode(level.type, key, item, &removed);
     if (rc == UIL_RET_CFG_NOT_FOUND) {

@@ -349,6 +349,9 @@ uint32_t writeLine(const char* source, const char* verb, const char* command, ui
     uint32_t serial = 0;
     const uint32_t taken = UIL_IncreaseAndGetOperSN(&serial);
     if (taken == MPI_RET_NOT_FOUND) {
+        if (settles) {
+            UIL_JournalLogged();  // a host that keeps no log owes no line
+        }
         return UIL_OPERLOG_SWITCHED_OFF;
     }
     if (taken != MPI_RET_SUCCESS) {
