@@ -5,7 +5,7 @@
 // change, its writer records the change durably beside the configuration;
 // the record is cleared only once the log line is written. A writer that
 // later takes the configuration lock completes the records of writers that
-// died (UIL_JournalRecover in the store).
+// died (UIL_CfgCompleteDeadWriters in the store).
 //
 // One record per change: "<configuration>.intent.<pid>.<sequence>", a
 // small text file replaced atomically, held under an flock by its writer

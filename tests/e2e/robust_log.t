@@ -37,7 +37,7 @@ two changes above still owed:
   [0]
   $ operlog | tail -n 1
   [3] [CLI] [1] [1396789544] [set tod_time=1002] [Set io timeout degrade time 1002 s] [1]
-  $ operlog | head -n 2
+  $ operlog | sed -n 1,2p
   [1] [CLI] [1] [1396789519] [set tod_time=1000] [( tod_time=1000)Write to configuration] [1]
   [2] [CLI] [1] [1396789519] [set tod_time=1001] [( tod_time=1001)Write to configuration] [1]
 
