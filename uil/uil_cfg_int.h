@@ -113,3 +113,8 @@ uint32_t UIL_CfgSend(const UiaRequest& req, UiaPayload& payload);
 uint32_t UIL_CfgParseCommon(xmlNode* section);
 uint32_t UIL_CfgParseArrays(xmlNode* section);
 uint32_t UIL_CfgParseLuns(xmlNode* section);
+
+// Completes the changes of writers that died half-way (the intent
+// journal); the caller holds the lock and has the document open for write,
+// and has it open again afterwards.
+void UIL_CfgCompleteDeadWriters();

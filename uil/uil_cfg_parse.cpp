@@ -241,6 +241,7 @@ uint32_t INTF_UIL_CfgParse()
         UIL_ERR("Init XML cfg file failed");
         return rc;
     }
+    UIL_CfgCompleteDeadWriters();
     {
         UilXPathCtx ctx(xmlXPathNewContext(UIL_CfgDoc()));
         if (ctx == nullptr) {
@@ -262,6 +263,7 @@ uint32_t INTF_UIL_MergeUserCfgXml()
         UIL_ERR("Open xml file (%s) failed.", UIL_CfgFilePath());
         return MPI_RET_FAIL;
     }
+    UIL_CfgCompleteDeadWriters();
     bool merged = false;
     xmlNode* common = findMergeCommon();
     if (common == nullptr) {

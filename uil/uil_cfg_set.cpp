@@ -10,6 +10,8 @@
 #include "mpi/mpi_scope.h"
 #include "uil/uil.h"
 #include "uil/uil_cfg_int.h"
+#include "uil/uil_journal.h"
+#include "uil/uil_oper.h"
 
 namespace {
 
@@ -119,7 +121,7 @@ std::vector<UilUserCfgItem> storedItems(xmlNode* node, uint32_t sectionType, boo
 // The driver accepted a change that could not be saved: it is given back
 // what the file still holds (the previous items, or their absence), so
 // that driver and file agree again. The cause is kept for the shell.
-void giveBackToDriver(uint32_t sectionType, const char* key, const char* item, std::vector<UilUserCfgItem>& before)
+bool giveBackToDriver(uint32_t sectionType, const char* key, const char* item, std::vector<UilUserCfgItem>& before)
 {
     uint32_t rc = MPI_RET_SUCCESS;
     if (before.empty()) {
@@ -143,6 +145,7 @@ void giveBackToDriver(uint32_t sectionType, const char* key, const char* item, s
         cause += "; the driver could not be given back the previous value";
     }
     UIL_FileErrorNote(UIL_CfgFilePath(), cause.c_str());
+    return rc == MPI_RET_SUCCESS;
 }
 
 // What the open document holds at `item` of the level, before a change.
@@ -170,36 +173,6 @@ struct What {
     }
 };
 
-uint32_t setWhole(const Level& level, const char* key, const char* item, const char* value, bool notify)
-{
-    UIL_ASSERT(item != nullptr && value != nullptr);
-    What what(level, key);
-    UIL_FileErrorClear();
-    auto end = endOfChange();
-    uint32_t rc = UIL_CfgOpenFile(true);
-    if (rc != MPI_RET_SUCCESS) {
-        UIL_ERR("Init XML cfg file failed");
-        return rc;
-    }
-    std::vector<UilUserCfgItem> before = itemBefore(level.type, key, item);
-    if (UIL_SetConfig(level.type, key, item, value) != MPI_RET_SUCCESS) {
-        UIL_ERR("Set %s <%s=%s> failed", what.text, item, value);
-        return MPI_RET_FAIL;
-    }
-    if (notify && UIL_CfgNotifyItemToDriver(level.type, key, item, value) != MPI_RET_SUCCESS) {
-        UIL_ERR("Notify %s <%s=%s> to driver failed", what.text, item, value);
-        return MPI_RET_FAIL;
-    }
-    if (UIL_CfgCloseKeepLock(true) != MPI_RET_SUCCESS) {
-        UIL_ERR("Save xml file failed");
-        if (notify) {
-            giveBackToDriver(level.type, key, item, before);
-        }
-        return MPI_RET_FAIL;
-    }
-    return MPI_RET_SUCCESS;
-}
-
 // Finds and removes the item (or with no item the instance): 1024 removed,
 // 1056 absent, 1030 the expression failed. `removed` receives the valid
 // items that were there.
@@ -219,6 +192,141 @@ uint32_t removeNode(uint32_t sectionType, const char* key, const char* item, std
     return rc == MPI_RET_SUCCESS || rc == UIL_RET_CFG_NOT_FOUND ? rc : MPI_RET_FAIL;
 }
 
+// ---------------------------------------------------------------------------
+// Completing the changes of writers that died.
+//
+// A record left in phase "sent" belongs to the writer that held the lock
+// last (it died holding it, and nobody else could have changed anything
+// since), so its value is the newest word on that item. It is rolled
+// forward rather than back: the driver may already have taken it, and the
+// operator asked for it; sending it again is harmless (the driver takes
+// a value it already holds as it is), and then the file is saved and the
+// line written. Were it rolled back instead, a driver that had taken the
+// change would have to be told the old value, a second change of its own.
+// A record in phase "saved" only owes its line; one in phase "logging"
+// owes its numbered line unless the log has it already.
+
+std::string deadWriterCommand(const UilIntent& intent, const char** verb)
+{
+    const Level& level = intent.sectionType == UIL_CFG_SECTION_ARRAY ? kArray
+                         : intent.sectionType == UIL_CFG_SECTION_LUN ? kLun
+                                                                     : kCommon;
+    std::string where = intent.sectionType == UIL_CFG_SECTION_COMMON
+                            ? std::string()
+                            : std::string(" ") + level.section + " " + intent.key;
+    if (intent.remove) {
+        *verb = "delete";
+        return where + (intent.item.empty() ? "" : " " + intent.item);
+    }
+    *verb = "set";
+    return where + " " + intent.item + "=" + intent.value;
+}
+
+// Re-applies a dead writer's change to the open document and the driver
+// and saves it; the document is open again afterwards either way. When the
+// driver will not take it, it is given what the file holds.
+bool reapply(const UilIntent& intent)
+{
+    const char* key = intent.key.c_str();
+    const char* item = intent.item.empty() ? nullptr : intent.item.c_str();
+    std::vector<UilUserCfgItem> before = itemBefore(intent.sectionType, key, item != nullptr ? item : "");
+    bool ok = false;
+    if (intent.remove) {
+        std::vector<UilUserCfgItem> removed;
+        ok = removeNode(intent.sectionType, key, item, &removed) != MPI_RET_FAIL &&
+             UIL_CfgDelFromDriver(intent.sectionType, key, item) == MPI_RET_SUCCESS;
+    } else {
+        ok = UIL_SetConfig(intent.sectionType, key, item, intent.value.c_str()) == MPI_RET_SUCCESS &&
+             UIL_CfgNotifyItemToDriver(intent.sectionType, key, item, intent.value.c_str()) == MPI_RET_SUCCESS;
+    }
+    ok = UIL_CfgCloseKeepLock(ok) == MPI_RET_SUCCESS && ok;
+    if (!ok) {
+        giveBackToDriver(intent.sectionType, key, item, before);
+    }
+    (void)UIL_CfgOpenFile(true);
+    return ok;
+}
+
+}  // namespace
+
+void UIL_CfgCompleteDeadWriters()
+{
+    std::vector<std::string> notices;
+    for (UilOrphanIntent& orphan : UIL_JournalOrphans(&notices)) {
+        const UilIntent& intent = orphan.intent;
+        uint32_t rc = MPI_RET_SUCCESS;
+        if (intent.phase == UilIntentPhase::Logging) {
+            rc = UIL_OperLogFinishLine(intent.serial, intent.line);
+        } else {
+            bool ok = intent.phase == UilIntentPhase::Saved || reapply(intent);
+            UIL_ERR("Completed the change <%u,%s> of a writer that died: %s", intent.sectionType,
+                    intent.item.c_str(), ok ? "applied" : "not applied");
+            const char* verb = "set";
+            std::string command = deadWriterCommand(intent, &verb);
+            rc = UIL_OperLogForDeadWriter(verb, command.c_str(), ok ? 1 : 0);
+        }
+        // Without its line the record stays for the next writer to finish.
+        if (rc == MPI_RET_SUCCESS || rc == UIL_OPERLOG_SWITCHED_OFF) {
+            UIL_JournalRemove(orphan.path);
+        }
+    }
+    UIL_FileErrorClear();
+}
+
+namespace {
+
+// The change about to be sent, recorded first.
+bool recordIntent(const Level& level, const char* key, const char* item, const char* value)
+{
+    UilIntent intent;
+    intent.sectionType = level.type;
+    intent.key = key;
+    intent.item = item != nullptr ? item : "";
+    intent.remove = value == nullptr;
+    intent.value = value != nullptr ? value : "";
+    return UIL_JournalBegin(intent);
+}
+
+uint32_t setWhole(const Level& level, const char* key, const char* item, const char* value, bool notify)
+{
+    UIL_ASSERT(item != nullptr && value != nullptr);
+    What what(level, key);
+    UIL_FileErrorClear();
+    auto end = endOfChange();
+    uint32_t rc = UIL_CfgOpenFile(true);
+    if (rc != MPI_RET_SUCCESS) {
+        UIL_ERR("Init XML cfg file failed");
+        return rc;
+    }
+    UIL_CfgCompleteDeadWriters();
+    std::vector<UilUserCfgItem> before = itemBefore(level.type, key, item);
+    if (UIL_SetConfig(level.type, key, item, value) != MPI_RET_SUCCESS) {
+        UIL_ERR("Set %s <%s=%s> failed", what.text, item, value);
+        return MPI_RET_FAIL;
+    }
+    // A change the file alone holds needs no record: nothing else can
+    // disagree with the file.
+    if (notify && !recordIntent(level, key, item, value)) {
+        return MPI_RET_FAIL;
+    }
+    if (notify && UIL_CfgNotifyItemToDriver(level.type, key, item, value) != MPI_RET_SUCCESS) {
+        UIL_ERR("Notify %s <%s=%s> to driver failed", what.text, item, value);
+        UIL_JournalDrop();
+        return MPI_RET_FAIL;
+    }
+    if (UIL_CfgCloseKeepLock(true) != MPI_RET_SUCCESS) {
+        UIL_ERR("Save xml file failed");
+        if (notify && giveBackToDriver(level.type, key, item, before)) {
+            UIL_JournalDrop();
+        }
+        return MPI_RET_FAIL;
+    }
+    if (notify) {
+        UIL_JournalSaved();
+    }
+    return MPI_RET_SUCCESS;
+}
+
 uint32_t deleteConfig(const Level& level, uint32_t objectId, const char* key, const char* item,
                       UilOperLogPara* objectRecord)
 {
@@ -234,6 +342,7 @@ uint32_t deleteConfig(const Level& level, uint32_t objectId, const char* key, co
         UIL_ERR("Init XML cfg file failed");
         return rc;
     }
+    UIL_CfgCompleteDeadWriters();
     std::vector<UilUserCfgItem> removed;
     rc = removeNode(level.type, key, item, &removed);
     if (rc == UIL_RET_CFG_NOT_FOUND) {
@@ -244,17 +353,22 @@ uint32_t deleteConfig(const Level& level, uint32_t objectId, const char* key, co
         UIL_ERR("Delete %s cfg (%s) failed", level.section, key);
         return MPI_RET_FAIL;
     }
+    if (!recordIntent(level, key, item, nullptr)) {
+        return MPI_RET_FAIL;
+    }
     if (UIL_CfgDelFromDriver(level.type, key, item) != MPI_RET_SUCCESS) {
         UIL_ERR("Notify driver to delete %s cfg (%s) failed", level.section, key);
+        UIL_JournalDrop();
         return MPI_RET_FAIL;
     }
     if (UIL_CfgCloseKeepLock(true) != MPI_RET_SUCCESS) {
         UIL_ERR("Save xml file failed");
-        if (!removed.empty()) {
-            giveBackToDriver(level.type, key, item, removed);
+        if (removed.empty() || giveBackToDriver(level.type, key, item, removed)) {
+            UIL_JournalDrop();
         }
         return MPI_RET_FAIL;
     }
+    UIL_JournalSaved();
     return MPI_RET_SUCCESS;
 }
 

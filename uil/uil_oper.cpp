@@ -27,6 +27,7 @@
 #include "mpi/mpi_root.h"
 #include "uil/uil.h"
 #include "uil/uil_file.h"
+#include "uil/uil_journal.h"
 #include "uil/uil_oper.h"
 
 namespace {
@@ -319,8 +320,12 @@ uint32_t UIL_IncreaseAndGetOperSN(uint32_t* serial)
     return MPI_RET_SUCCESS;
 }
 
-uint32_t UIL_OperLog(const char* source, const char* verb, const char* command, uint32_t eventId, uint8_t result,
-                     const UilOperLogPara* record)
+namespace {
+
+// `settles`: the line settles the journal records this process owes (a
+// line written on behalf of a dead writer settles only that writer's).
+uint32_t writeLine(const char* source, const char* verb, const char* command, uint32_t eventId, uint8_t result,
+                   const UilOperLogPara* record, bool settles)
 {
     UIL_ASSERT(source != NULL);
     const char* path = operLogPath();
@@ -344,6 +349,9 @@ uint32_t UIL_OperLog(const char* source, const char* verb, const char* command, 
     uint32_t serial = 0;
     const uint32_t taken = UIL_IncreaseAndGetOperSN(&serial);
     if (taken == MPI_RET_NOT_FOUND) {
+        if (settles) {
+            UIL_JournalLogged();  // a host that keeps no log owes no line
+        }
         return UIL_OPERLOG_SWITCHED_OFF;
     }
     if (taken != MPI_RET_SUCCESS) {
@@ -357,8 +365,51 @@ uint32_t UIL_OperLog(const char* source, const char* verb, const char* command, 
             g_astUILOperLogFmt[index].level, eventId, verb != nullptr ? verb : "", command != nullptr ? command : "",
             english, localised, static_cast<unsigned>(result));
     blankControlCharacters(line);
+    if (settles) {
+        UIL_JournalLogging(serial, line);
+    }
     line += '\n';
     if (!UIL_WriteAll(fd.get(), line) || !fd.closeChecked()) {
+        UIL_ERR("Write oper log file [%s] failed: %s", path, std::strerror(errno));
+        UIL_FileErrorNote(path, std::strerror(errno));
+        return MPI_RET_FAIL;
+    }
+    if (settles) {
+        UIL_JournalLogged();
+    }
+    return MPI_RET_SUCCESS;
+}
+
+}  // namespace
+
+uint32_t UIL_OperLog(const char* source, const char* verb, const char* command, uint32_t eventId, uint8_t result,
+                     const UilOperLogPara* record)
+{
+    return writeLine(source, verb, command, eventId, result, record, true);
+}
+
+uint32_t UIL_OperLogForDeadWriter(const char* verb, const char* command, uint8_t result)
+{
+    return writeLine("CLI", verb, command, UIL_OPER_WRITE_CONFIG, result, nullptr, false);
+}
+
+uint32_t UIL_OperLogFinishLine(uint32_t serial, const std::string& line)
+{
+    const char* path = operLogPath();
+    const std::string mark = "[" + std::to_string(serial) + "] ";
+    {
+        std::unique_ptr<FILE, FileCloser> in(openForReading(path));
+        char buf[4096];
+        bool lineStart = true;
+        while (in != nullptr && std::fgets(buf, sizeof(buf), in.get()) != nullptr) {
+            if (lineStart && std::strncmp(buf, mark.c_str(), mark.size()) == 0) {
+                return MPI_RET_SUCCESS;  // the dead writer got its line out
+            }
+            lineStart = std::strchr(buf, '\n') != nullptr;
+        }
+    }
+    UilFd fd = openForAppend(path);
+    if (!fd.valid() || !UIL_WriteAll(fd.get(), line + "\n") || !fd.closeChecked()) {
         UIL_ERR("Write oper log file [%s] failed: %s", path, std::strerror(errno));
         UIL_FileErrorNote(path, std::strerror(errno));
         return MPI_RET_FAIL;

@@ -11,6 +11,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "mpi/mpi_usr.h"
 #include "uil/uil_cfg.h"  // UilOperLogPara, the record the setters fill
@@ -219,6 +220,14 @@ inline constexpr uint32_t UIL_OPERLOG_SWITCHED_OFF = 2;
 // or the line could not be written (the cause in INTF_UIL_LastFileError).
 uint32_t UIL_OperLog(const char* source, const char* verb, const char* command, uint32_t eventId, uint8_t result,
                      const UilOperLogPara* record);
+
+// Settling the journal record of a writer that died before its line was
+// out (the shell's line is lost with it): a "Write to configuration" line
+// whose command text describes the change, `result` its true outcome.
+uint32_t UIL_OperLogForDeadWriter(const char* verb, const char* command, uint8_t result);
+// A dead writer's line that was already numbered: appended unless a line
+// with that serial number is in the log already.
+uint32_t UIL_OperLogFinishLine(uint32_t serial, const std::string& line);
 
 // Reads the serial file, writes it back advanced by one (replacing the file
 // atomically) and hands back the new number. 1024; 1026 null argument; 1030

@@ -29,13 +29,17 @@ A FIFO in place of the operation log does not hang the program:
   [1]
   $ rm "$log/oper_log"
 
-With the log back, the next change is recorded again:
+With the log back, the next change is recorded again, after the lines the
+two changes above still owed:
 
   $ cv set tod_time=1002; echo "[$?]"
   Succeeded in executing the command.
   [0]
   $ operlog | tail -n 1
-  [1] [CLI] [1] [1396789544] [set tod_time=1002] [Set io timeout degrade time 1002 s] [1]
+  [3] [CLI] [1] [1396789544] [set tod_time=1002] [Set io timeout degrade time 1002 s] [1]
+  $ operlog | sed -n 1,2p
+  [1] [CLI] [1] [1396789519] [set tod_time=1000] [( tod_time=1000)Write to configuration] [1]
+  [2] [CLI] [1] [1396789519] [set tod_time=1001] [( tod_time=1001)Write to configuration] [1]
 
 A trace log that cannot be opened names itself, not only the device:
 
