@@ -65,11 +65,7 @@ constexpr uint32_t kLogCodeProduct = 0x5342;
 constexpr uint32_t kLogCodeFixed = 0xC0;
 constexpr size_t kLogCodeLen = 16;
 
-// Owns the FILE* of one trace line.
-struct FileCloser {
-    void operator()(FILE* f) const { std::fclose(f); }
-};
-using FilePtr = std::unique_ptr<FILE, FileCloser>;
+using FilePtr = MPI_FilePtr;  // the FILE* of one trace line
 
 const char* tracePath()
 {

@@ -203,8 +203,6 @@ void UIL_CfgFini()
 }
 
 const char* UIL_CfgFilePath() { return g_szUILCfgFilePath; }
-const char* UIL_CfgBakFilePath() { return g_szUILCfgBakFilePath; }
-const char* UIL_CfgLockFilePath() { return g_szUILCfgLockFilePath; }
 
 // ---------------------------------------------------------------------------
 // Lock.

@@ -250,10 +250,8 @@ static_assert(sizeof(UilOperLogPara) == 76);
 // the document itself is opened by each operation).
 uint32_t UIL_CfgInit();
 void UIL_CfgFini();
-// The resolved paths (valid after UIL_CfgInit).
+// The resolved path of the file (valid after UIL_CfgInit).
 const char* UIL_CfgFilePath();
-const char* UIL_CfgBakFilePath();
-const char* UIL_CfgLockFilePath();
 
 // Open / close. A write access takes the lock and refreshes the backup;
 // a read access does neither. Closing with `save` writes the document and

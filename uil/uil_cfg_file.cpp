@@ -85,7 +85,7 @@ bool UIL_CfgReplaceFile(const char* path, const std::string& bytes, mode_t mode)
 void UIL_CfgDeleteNode(xmlNode* node)
 {
     xmlUnlinkNode(node);
-    xmlFreeNode(node);
+    UilXmlNode owned(node);
 }
 
 UilXPathObj UIL_CfgEval(xmlXPathContext* ctx, const char* xpath)
@@ -139,14 +139,11 @@ bool UIL_CfgSetNodeText(xmlNode* node, const char* value)
     if (value[0] == '\0') {
         return true;
     }
-    xmlNode* text = xmlNewText(UIL_XmlStr(value));
-    if (text == nullptr) {
+    UilXmlNode text(xmlNewText(UIL_XmlStr(value)));
+    if (text == nullptr || xmlAddChild(node, text.get()) == nullptr) {
         return false;
     }
-    if (xmlAddChild(node, text) == nullptr) {
-        xmlFreeNode(text);
-        return false;
-    }
+    (void)text.release();  // the node owns its text now
     return true;
 }
 

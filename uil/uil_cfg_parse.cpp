@@ -18,7 +18,7 @@ void freeItems(MPI_ListNode* list)
     while (!MPI_ListEmpty(list)) {
         MPI_ListNode* n = list->next;
         MPI_ListDelete(n);
-        std::free(MPI_LIST_ENTRY(n, UilUserCfgItem, links));
+        std::free(MPI_ListEntry<UilUserCfgItem>(n));
     }
 }
 
@@ -108,16 +108,16 @@ UilXmlNode newItemElement(const char* name, const char* text)
         xmlGenericError(xmlGenericErrorContext, "New Node fail.\n");
         return nullptr;
     }
-    xmlNode* content = xmlNewText(UIL_XmlStr(text));
+    UilXmlNode content(xmlNewText(UIL_XmlStr(text)));
     if (content == nullptr) {
         xmlGenericError(xmlGenericErrorContext, "New text fail.\n");
         return nullptr;
     }
-    if (xmlAddChild(node.get(), content) == nullptr) {
-        xmlFreeNode(content);
+    if (xmlAddChild(node.get(), content.get()) == nullptr) {
         xmlGenericError(xmlGenericErrorContext, "Add child text fail.\n");
         return nullptr;
     }
+    (void)content.release();  // the node owns its text now
     return node;
 }
 

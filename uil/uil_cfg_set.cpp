@@ -405,7 +405,7 @@ uint32_t UIL_CfgNotifySectionToDriver(MPI_ListNode* itemList, uint32_t sectionTy
     UiaPayload p = notifyPayload(sectionType, instance, count);
     size_t index = 0;
     for (MPI_ListNode* n = itemList->next; n != itemList; n = n->next) {
-        const UilUserCfgItem* item = MPI_LIST_ENTRY(n, UilUserCfgItem, links);
+        const UilUserCfgItem* item = MPI_ListEntry<UilUserCfgItem>(n);
         putItem(p, index++, item->szName, item->szValue);
     }
     uint32_t rc = UIL_CfgSend(uia_req::CfgNotify, p);

@@ -23,6 +23,7 @@
 #include <thread>
 
 #include "bounded/bounded.h"
+#include "mpi/mpi_file.h"
 #include "mpi/mpi_number.h"
 #include "mpi/mpi_root.h"
 #include "uil/uil.h"
@@ -39,9 +40,6 @@ constexpr size_t kSerialFileMax = 64 << 10;  // the number and whatever text fol
 
 UilOperLogRetry g_stOperLogRetry = UIL_OPER_LOG_RETRY;
 
-struct FileCloser {
-    void operator()(FILE* f) const { (void)std::fclose(f); }
-};
 
 const char* operLogPath()
 {
@@ -398,7 +396,7 @@ uint32_t UIL_OperLogFinishLine(uint32_t serial, const std::string& line)
     const char* path = operLogPath();
     const std::string mark = "[" + std::to_string(serial) + "] ";
     {
-        std::unique_ptr<FILE, FileCloser> in(openForReading(path));
+        MPI_FilePtr in(openForReading(path));
         char buf[4096];
         bool lineStart = true;
         while (in != nullptr && std::fgets(buf, sizeof(buf), in.get()) != nullptr) {
@@ -428,7 +426,7 @@ uint32_t INTF_UIL_EnumerateOperLogStart(MPI_ListNode* head, uint32_t* count)
     if (count != nullptr) {
         *count = 0;
     }
-    std::unique_ptr<FILE, FileCloser> file(openForReading(operLogPath()));
+    MPI_FilePtr file(openForReading(operLogPath()));
     if (!file) {
         UIL_ERR("Open oper log file [%s] failed", operLogPath());
         return UIL_OPERLOG_OPEN_FAIL;
@@ -474,6 +472,6 @@ void INTF_UIL_EnumerateOperLogEnd(MPI_ListNode* head)
     while (!MPI_ListEmpty(head)) {
         MPI_ListNode* node = head->next;
         MPI_ListDelete(node);
-        std::free(MPI_LIST_ENTRY(node, UilOperLogEntry, links));
+        std::free(MPI_ListEntry<UilOperLogEntry>(node));
     }
 }
