@@ -2,6 +2,7 @@
 #include <array>
 
 #include "cli/cli.h"
+#include "cli/cli_aglun.h"
 #include "cli/cli_arrayset.h"
 #include "cli/cli_helptext.h"
 #include "cli/cli_objects.h"
@@ -80,6 +81,8 @@ constexpr std::array kSetCommands = std::to_array<MPCLI_Option>({
     // Path commands.
     {"pathstate", HELP_SET_PATHSTATE, MPCLI_SetPhyPathState, N},
     {"phypathnormal", HELP_SET_PHYPATHNORMAL, MPCLI_SetPhyPathNormal, N},
+    // Aggregated VLUNs.
+    {"dualsite", HELP_SET_DUALSITE, MPCLI_SetDualsite, N},
 });
 
 // The value settings first, in the settings table's order.
@@ -89,6 +92,8 @@ constexpr std::array kStart = std::to_array<MPCLI_Option>({
     {"diskdriverupdate", "", MPCLI_StartDiskDriverUpdate, N},
     // Path commands.
     {"pathcheck", HELP_START_PATHCHECK, MPCLI_StartPhyPathCheck, N},
+    // Aggregated VLUNs.
+    {"migration", HELP_START_MIGRATION, MPCLI_StartMigration, N},
 });
 
 // Supported-array rules.
