@@ -271,6 +271,13 @@ object gets both items and a log line:
   <lun6a5d0000000000000000000000000002>
   <ds_mode>priority</ds_mode>
   <ds_primary>2102351XVA10K8000001</ds_primary>
+  $ for id in 0 1; do cv show vlun id=$id | grep -A2 '^Aggregation Specific'; done
+  Aggregation Specific Attribution
+      WorkingMode            : read write between both arrays
+      Primary Array SN       : 2102351XVA10K8000002
+  Aggregation Specific Attribution
+      WorkingMode            : read write within primary array
+      Primary Array SN       : 2102351XVA10K8000001
   $ cv show vlun id=1 verbose | tail -n 4
   Dualsite Primary Array SN : 2102351XVA10K8000001
   Dualsite WorkingMode : read write within primary array
