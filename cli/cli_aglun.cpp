@@ -492,14 +492,8 @@ bool MPCLI_ShowDSLunByVLunInfo(const VLunInfo& vlun, bool verbose)
         return false;
     }
     UilFullCfg config{};
-    if (verbose) {
-        const uint32_t ret = INTF_UIL_GetFullConfig(vlun.lunWwn, vlun.arraySn, &config);
-        if (ret != MPI_RET_SUCCESS) {
-            UIL_ERR("Get config of vlun {%u} failed. ret {%u}", vlun.vlunId, ret);
-            MPCLI_PrintDash(MPCLI_DETAIL_WIDTH);
-            MPCLI_Print("Get config information failed.\n");
-            return false;
-        }
+    if (verbose && !MPCLI_ReadVLunConfig(vlun.vlunId, vlun.lunWwn, vlun.arraySn, &config)) {
+        return false;
     }
     UilDsInfo ds{};
     const bool dsRead = INTF_UIL_GetDSInfoStart(vlun.vlunId, &ds) == MPI_RET_SUCCESS;

@@ -34,3 +34,7 @@ void MPCLI_DiskControllerNames(const DiskInfo& disk, UilControllerNamer& namer, 
 void MPCLI_PrintDiskControllers(const DiskInfo& disk, UilControllerNamer& namer, uint32_t indent);
 // "Manual IO Suspension  : ..." of the VLUN, in seconds.
 void MPCLI_PrintVLunSuspension(const VLunInfo& vlun);
+struct UilFullCfg;
+// The configuration in force for a VLUN (its WWN and its array's SN); a
+// failure is said ("Get config information failed.") and gives false.
+bool MPCLI_ReadVLunConfig(uint32_t vlunId, const char* wwn, const char* arraySn, UilFullCfg* config);

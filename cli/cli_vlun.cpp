@@ -373,14 +373,8 @@ bool MPCLI_ShowDiskById(const VLunInfo& v, bool verbose)
         return false;
     }
     UilFullCfg config{};
-    if (verbose) {
-        const uint32_t cfgRet = INTF_UIL_GetFullConfig(disk.lunWwn, disk.arraySn, &config);
-        if (cfgRet != MPI_RET_SUCCESS) {
-            UIL_ERR("Get config of vlun {%u} failed. ret {%u}", v.vlunId, cfgRet);
-            MPCLI_PrintDash(MPCLI_DETAIL_WIDTH);
-            MPCLI_Print("Get config information failed.\n");
-            return false;
-        }
+    if (verbose && !MPCLI_ReadVLunConfig(v.vlunId, disk.lunWwn, disk.arraySn, &config)) {
+        return false;
     }
     MPCLI_PrintDiskDetailInfo(v, disk, verbose ? &config : nullptr);
     return true;
@@ -505,4 +499,16 @@ void MPCLI_PrintVLunSuspension(const VLunInfo& v)
     } else {
         MPCLI_Print("Manual IO Suspension  : Off\n");
     }
+}
+
+bool MPCLI_ReadVLunConfig(uint32_t vlunId, const char* wwn, const char* arraySn, UilFullCfg* config)
+{
+    const uint32_t ret = INTF_UIL_GetFullConfig(wwn, arraySn, config);
+    if (ret != MPI_RET_SUCCESS) {
+        UIL_ERR("Get config of vlun {%u} failed. ret {%u}", vlunId, ret);
+        MPCLI_PrintDash(MPCLI_DETAIL_WIDTH);
+        MPCLI_Print("Get config information failed.\n");
+        return false;
+    }
+    return true;
 }
