@@ -355,7 +355,7 @@ bool MPCLI_CheckDSMasterSN(uint32_t vlunId, uint32_t primaryArrayId)
 
 uint8_t MPCLI_SetDsMode(const MPCLI_Command& command, uint32_t argc, char** argv)
 {
-    if (command.size() < 3 || command.size() > 4 || !command[1].hasValue() ||
+    if (command.size() < 3 || command.size() > 4 || command[1].key != "workingmode" || !command[1].hasValue() ||
         !MPCLI_CheckDSMode(command[1].value)) {
         return printUsage(kWorkingModeUsage);
     }
@@ -394,7 +394,7 @@ uint8_t MPCLI_SetDsMode(const MPCLI_Command& command, uint32_t argc, char** argv
 uint8_t MPCLI_SetDsSplitSize(const MPCLI_Command& command, uint32_t argc, char** argv)
 {
     const MPCLI_Word& size = command[1];
-    if (command.size() > 3 || !size.hasValue() || size.value.size() >= kSplitTextSize) {
+    if (command.size() > 3 || size.key != "split_size" || !size.hasValue() || size.value.size() >= kSplitTextSize) {
         return printUsage(kSplitSizeUsage);
     }
     char sectors[kSplitTextSize] = {};

@@ -161,6 +161,7 @@ Argument refusals change nothing, send no change and write no log line:
   > set dualsite
   > set dualsite mode=priority
   > set dualsite workingmode=priority
+  > set dualsite workingmodes=priority primary_array_id=0
   > set dualsite workingmode=Priority primary_array_id=0
   > set dualsite workingmode= primary_array_id=0
   > set dualsite workingmode=priority primary_array_id=x1
@@ -177,6 +178,7 @@ Argument refusals change nothing, send no change and write no log line:
   > set dualsite workingmode=priority primary_array_id=9
   > set dualsite split_size
   > set dualsite split_size=
+  > set dualsite split_sizes=64K
   > set dualsite split_size=2G
   > set dualsite split_size=3M
   > set dualsite split_size=1000
@@ -204,6 +206,7 @@ Argument refusals change nothing, send no change and write no log line:
   [1] set dualsite: Error: Invalid input! |  Usage: |     -- set dualsite workingmode={priority|balance} primary_array_id=ID [vlun_id={<ID>|<ID1,ID2,...>|<ID1-ID2>}] |     -- set dualsite split_size=<size> [vlun_id={<ID>|<ID1,ID2,...>|<ID1-ID2>}]
   [1] set dualsite mode=priority: Error: Invalid input! |  Usage: |     -- set dualsite workingmode={priority|balance} primary_array_id=ID [vlun_id={<ID>|<ID1,ID2,...>|<ID1-ID2>}] |     -- set dualsite split_size=<size> [vlun_id={<ID>|<ID1,ID2,...>|<ID1-ID2>}]
   [1] set dualsite workingmode=priority: Error: Invalid input! | Usage: |     -- set dualsite workingmode={priority|balance} primary_array_id=ID [vlun_id={<ID>|<ID1,ID2,...>|<ID1-ID2>}] |     -- priority: read write within primary array. |     -- balance: read write between both arrays.
+  [1] set dualsite workingmodes=priority primary_array_id=0: Error: Invalid input! | Usage: |     -- set dualsite workingmode={priority|balance} primary_array_id=ID [vlun_id={<ID>|<ID1,ID2,...>|<ID1-ID2>}] |     -- priority: read write within primary array. |     -- balance: read write between both arrays.
   [1] set dualsite workingmode=Priority primary_array_id=0: Error: Invalid input! | Usage: |     -- set dualsite workingmode={priority|balance} primary_array_id=ID [vlun_id={<ID>|<ID1,ID2,...>|<ID1-ID2>}] |     -- priority: read write within primary array. |     -- balance: read write between both arrays.
   [1] set dualsite workingmode= primary_array_id=0: Error: Invalid input! | Usage: |     -- set dualsite workingmode={priority|balance} primary_array_id=ID [vlun_id={<ID>|<ID1,ID2,...>|<ID1-ID2>}] |     -- priority: read write within primary array. |     -- balance: read write between both arrays.
   [1] set dualsite workingmode=priority primary_array_id=x1: Error: Invalid input! | Usage: |     -- set dualsite workingmode={priority|balance} primary_array_id=ID [vlun_id={<ID>|<ID1,ID2,...>|<ID1-ID2>}] |     -- priority: read write within primary array. |     -- balance: read write between both arrays.
@@ -220,6 +223,7 @@ Argument refusals change nothing, send no change and write no log line:
   [1] set dualsite workingmode=priority primary_array_id=9: The disk array whose ID is 9 does not exist.
   [1] set dualsite split_size: Error: Invalid input! | Usage: |     -- set dualsite split_size=<size> [vlun_id={<ID>|<ID1,ID2,...>|<ID1-ID2>}] |     -- size is in the range 512Byte-1GB,unit can be B,K,M,G. |     -- size must be power of 2.
   [1] set dualsite split_size=: Error: Invalid input! | Usage: |     -- set dualsite split_size=<size> [vlun_id={<ID>|<ID1,ID2,...>|<ID1-ID2>}] |     -- size is in the range 512Byte-1GB,unit can be B,K,M,G. |     -- size must be power of 2.
+  [1] set dualsite split_sizes=64K: Error: Invalid input! | Usage: |     -- set dualsite split_size=<size> [vlun_id={<ID>|<ID1,ID2,...>|<ID1-ID2>}] |     -- size is in the range 512Byte-1GB,unit can be B,K,M,G. |     -- size must be power of 2.
   [1] set dualsite split_size=2G: Error: Invalid input! | Usage: |     -- set dualsite split_size=<size> [vlun_id={<ID>|<ID1,ID2,...>|<ID1-ID2>}] |     -- size is in the range 512Byte-1GB,unit can be B,K,M,G. |     -- size must be power of 2.
   [1] set dualsite split_size=3M: Error: Invalid input! | Usage: |     -- set dualsite split_size=<size> [vlun_id={<ID>|<ID1,ID2,...>|<ID1-ID2>}] |     -- size is in the range 512Byte-1GB,unit can be B,K,M,G. |     -- size must be power of 2.
   [1] set dualsite split_size=1000: Error: Invalid input! | Usage: |     -- set dualsite split_size=<size> [vlun_id={<ID>|<ID1,ID2,...>|<ID1-ID2>}] |     -- size is in the range 512Byte-1GB,unit can be B,K,M,G. |     -- size must be power of 2.
