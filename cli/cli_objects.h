@@ -11,7 +11,7 @@
 
 // Handlers of `show array`, `show vlun` and `show path`.
 uint8_t MPCLI_ShowArray(const MPCLI_Command& command);
-uint8_t MPCLI_ShowVLun(uint32_t argc, char** argv);
+uint8_t MPCLI_ShowVLun(const MPCLI_Command& command);
 uint8_t MPCLI_ShowPath(const MPCLI_Command& command);
 
 // The name shown for a controller (see UIL_strFormatControllerId): the TPG's

@@ -2,6 +2,7 @@
 #include <array>
 
 #include "cli/cli.h"
+#include "cli/cli_aglun.h"
 #include "cli/cli_arrayset.h"
 #include "cli/cli_helptext.h"
 #include "cli/cli_objects.h"
@@ -35,7 +36,7 @@ constexpr std::array kShow = std::to_array<MPCLI_Option>({
     {"version", HELP_SHOW_VERSION, MPCLI_ShowVersion, N, "verbose"},
     {"array", HELP_SHOW_ARRAY, MPCLI_ShowArray, N, "id verbose"},
     {"path", HELP_SHOW_PATH, MPCLI_ShowPath, N, "id array_id"},
-    {"vlun", HELP_SHOW_VLUN, MPCLI_WordsHandler<MPCLI_ShowVLun>, N, "id array_id type verbose"},
+    {"vlun", HELP_SHOW_VLUN, MPCLI_ShowVLun, N, "id array_id type verbose"},
     {"io_latency_threshold", HELP_SHOW_IO_LATENCY_THRESHOLD, MPCLI_ShowIoLatencyThreshold, N},
     {"workerstate", HELP_SHOW_WORKERSTATE, MPCLI_ShowWorker, N},
     // Driver events and supported-array rules.
@@ -84,6 +85,8 @@ constexpr std::array kSetCommands = std::to_array<MPCLI_Option>({
     // Path commands.
     {"pathstate", HELP_SET_PATHSTATE, MPCLI_SetPhyPathState, N, "path_id"},
     {"phypathnormal", HELP_SET_PHYPATHNORMAL, MPCLI_SetPhyPathNormal, N, "path_id"},
+    // Aggregated VLUNs.
+    {"dualsite", HELP_SET_DUALSITE, MPCLI_SetDualsite, N, "workingmode primary_array_id split_size vlun_id"},
 });
 
 // The value settings first, in the settings table's order.
@@ -93,6 +96,8 @@ constexpr std::array kStart = std::to_array<MPCLI_Option>({
     {"diskdriverupdate", "", MPCLI_StartDiskDriverUpdate, N},
     // Path commands.
     {"pathcheck", HELP_START_PATHCHECK, MPCLI_StartPhyPathCheck, N, "path_id"},
+    // Aggregated VLUNs.
+    {"migration", HELP_START_MIGRATION, MPCLI_StartMigration, N, "vlun_id direction rollback"},
 });
 
 // Supported-array rules.

@@ -8,6 +8,7 @@
 
 #include "bounded/bounded.h"
 #include "cli/cli.h"
+#include "cli/cli_aglun.h"
 #include "cli/cli_capacity.h"
 #include "cli/cli_command.h"
 #include "cli/cli_grid.h"
@@ -20,7 +21,6 @@
 namespace {
 
 constexpr uint32_t kMaxListWords = 3;  // "vlun", "array_id=...", "type=..."
-constexpr uint32_t kDetailWidth = 55;
 constexpr size_t kWordLen = 64;
 constexpr uint32_t kMsPerSecond = 1000;
 constexpr const char kNone[] = "--";
@@ -53,19 +53,18 @@ constexpr std::array kVLunTypeWords = std::to_array<VLunTypeWord>({
 
 bool isTypeWord(const MPCLI_Word& word) { return word.hasEqual && word.key == "type"; }
 
-// The type filter of a "type=..." word; UIL_VLUN_TYPE_INVALID for any
-// other value.
-uint8_t typeFromWord(const MPCLI_Word& word)
+// The row of a "type=..." word; null for any other value.
+const VLunTypeWord* typeFromWord(const MPCLI_Word& word)
 {
     if (!word.hasValue() || word.value.size() > kWordLen) {
-        return UIL_VLUN_TYPE_INVALID;
+        return nullptr;
     }
     for (const VLunTypeWord& row : kVLunTypeWords) {
         if (word.value == row.keyword) {
-            return row.type;
+            return &row;
         }
     }
-    return UIL_VLUN_TYPE_INVALID;
+    return nullptr;
 }
 
 // Words that may follow the first selector of the command.
@@ -75,6 +74,7 @@ bool MPCLI_CheckShowVLunPara(const MPCLI_Word& word) { return word.is(kVerbose) 
 // otherwise.
 struct VLunFilter {
     uint8_t type = UIL_VLUN_TYPE_ORDINARY;
+    const char* keyword = "";  // as typed, for the type-mismatch line
     bool given = false;
 
     bool keeps(const VLunInfo& vlun) const
@@ -90,9 +90,15 @@ bool takeTypeWord(const MPCLI_Word& word, VLunFilter* filter)
     if (filter->given) {
         return false;
     }
-    filter->type = typeFromWord(word);
+    const VLunTypeWord* row = typeFromWord(word);
     filter->given = true;
-    return filter->type != UIL_VLUN_TYPE_INVALID;
+    if (row == nullptr) {
+        filter->type = UIL_VLUN_TYPE_INVALID;
+        return false;
+    }
+    filter->type = row->type;
+    filter->keyword = row->keyword;
+    return true;
 }
 
 // ---------------------------------------------------------------------------
@@ -239,7 +245,7 @@ ListOutcome showVLunsOfArray(uint32_t arrayId, const VLunFilter& filter, VLunLis
     const MPI_Ended<INTF_UIL_EnumerateVLunEnd> owner(&list);
     std::vector<const VLunInfo*> kept;
     for (const MPI_ListNode* node = list.next; node != &list; node = node->next) {
-        const VLunInfo* v = UIL_ListEntry<VLunInfo>(node);
+        const VLunInfo* v = MPI_ListEntry<VLunInfo>(node);
         if (filter.keeps(*v)) {
             kept.push_back(v);
         }
@@ -321,42 +327,7 @@ uint8_t MPCLI_ShowVLunByArrayId(const MPCLI_Command& command)
 // ---------------------------------------------------------------------------
 // Detail.
 
-void printFramedTitle(uint32_t vlunId)
-{
-    const std::string title = "VLUN#" + std::to_string(vlunId) + " Information";
-    MPCLI_PrintDoubleDash(kDetailWidth);
-    MPCLI_PrintCentred(title.c_str(), kDetailWidth);
-    MPCLI_Print("\n");
-    MPCLI_PrintDoubleDash(kDetailWidth);
-}
-
 bool isPeLun(const VLunInfo& v) { return v.peFlag == 1 || v.type == UIL_VLUN_TYPE_PE; }
-
-void printControllers(const DiskInfo& disk, UilControllerNamer& namer)
-{
-    for (const MPI_ListNode* c = disk.controllers.next; c != &disk.controllers; c = c->next) {
-        const UilController* controller = UIL_ListEntry<UilController>(c);
-        if (MPI_ListEmpty(&controller->paths)) {
-            continue;
-        }
-        char name[UIL_CONTROLLER_NAME_SIZE] = {};
-        (void)namer.format(disk.arrayId, controller->tpgId, disk.capability, name, sizeof(name));
-        MPCLI_Print("Controller %s\n", name);
-        for (const MPI_ListNode* p = controller->paths.next; p != &controller->paths; p = p->next) {
-            MPCLI_PrintDiskPath(*UIL_ListEntry<UilPathInfo>(p), 0);
-        }
-    }
-}
-
-void printSuspension(const VLunInfo& v)
-{
-    if (v.suspendTimeoutMs != 0) {
-        MPCLI_Print("Manual IO Suspension  : On(timeout/remain : {%u} seconds/{%u} seconds)\n",
-                    v.suspendTimeoutMs / kMsPerSecond, v.suspendRemainMs / kMsPerSecond);
-    } else {
-        MPCLI_Print("Manual IO Suspension  : Off\n");
-    }
-}
 
 // `config` is the VLUN's configuration when "verbose" asked for it.
 void MPCLI_PrintDiskDetailInfo(const VLunInfo& v, const DiskInfo& disk, const UilFullCfg* config)
@@ -364,14 +335,8 @@ void MPCLI_PrintDiskDetailInfo(const VLunInfo& v, const DiskInfo& disk, const Ui
     UilControllerNamer namer;
     char owning[UIL_CONTROLLER_NAME_SIZE] = {};
     char working[UIL_CONTROLLER_NAME_SIZE] = {};
-    if ((disk.capability & UIL_CAP_HIDE_CONTROLLERS) != 0) {
-        (void)strcpy_s(owning, sizeof(owning), kNone);
-        (void)strcpy_s(working, sizeof(working), kNone);
-    } else {
-        (void)namer.format(disk.arrayId, disk.owningController, disk.capability, owning, sizeof(owning));
-        (void)namer.format(disk.arrayId, disk.workingController, disk.capability, working, sizeof(working));
-    }
-    printFramedTitle(v.vlunId);
+    MPCLI_DiskControllerNames(disk, namer, owning, working);
+    MPCLI_PrintVLunTitle(v.vlunId);
     MPCLI_Print("Disk                  : %s\n", disk.deviceName);
     MPCLI_Print("Name                  : %s\n", disk.name);
     MPCLI_Print("Status                : %s\n", disk.status);
@@ -384,15 +349,15 @@ void MPCLI_PrintDiskDetailInfo(const VLunInfo& v, const DiskInfo& disk, const Ui
     MPCLI_Print("Num of Paths          : %u\n", disk.pathCount);
     MPCLI_Print("LUN WWN               : %s\n", disk.lunWwn);
     MPCLI_Print("Array Name            : %s\n", disk.arrayName);
-    printControllers(disk, namer);
+    MPCLI_PrintDiskControllers(disk, namer, 0);
     if (config != nullptr) {
         MPCLI_PrintConfigForVlun(*config);
     }
-    printSuspension(v);
+    MPCLI_PrintVLunSuspension(v);
     if (isPeLun(v)) {
         MPCLI_Print("Device Type       : %s\n", "PE LUN");
     }
-    MPCLI_PrintDash(kDetailWidth);
+    MPCLI_PrintDash(MPCLI_DETAIL_WIDTH);
 }
 
 bool MPCLI_ShowDiskById(const VLunInfo& v, bool verbose)
@@ -408,39 +373,12 @@ bool MPCLI_ShowDiskById(const VLunInfo& v, bool verbose)
         return false;
     }
     UilFullCfg config{};
-    if (verbose) {
-        const uint32_t cfgRet = INTF_UIL_GetFullConfig(disk.lunWwn, disk.arraySn, &config);
-        if (cfgRet != MPI_RET_SUCCESS) {
-            UIL_ERR("Get config of vlun {%u} failed. ret {%u}", v.vlunId, cfgRet);
-            MPCLI_PrintDash(kDetailWidth);
-            MPCLI_Print("Get config information failed.\n");
-            return false;
-        }
+    if (verbose && !MPCLI_ReadVLunConfig(v.vlunId, disk.lunWwn, disk.arraySn, &config)) {
+        return false;
     }
     MPCLI_PrintDiskDetailInfo(v, disk, verbose ? &config : nullptr);
     return true;
 }
-
-// Dual-site and migration VLUNs, and the line for a VLUN of another type
-// than the one asked for, belong to the aggregated-LUN commands, which the
-// shell does not carry yet: until then such a VLUN is traced and reported
-// as a command that could not be carried out.
-bool showAggregatedVLun(const VLunInfo& v)
-{
-    UIL_ERR("No detail display for vlun {%u} of type {%u}", v.vlunId, static_cast<uint32_t>(v.type));
-    MPCLI_PrintfInternalErrorInfo(MPI_RET_FAIL);
-    return false;
-}
-
-bool MPCLI_PrintTypeMissMatch(const VLunInfo& v, const VLunFilter& filter)
-{
-    UIL_ERR("Vlun {%u} is of type {%u}, not {%u}", v.vlunId, static_cast<uint32_t>(v.type),
-            static_cast<uint32_t>(filter.type));
-    MPCLI_PrintfInternalErrorInfo(MPI_RET_FAIL);
-    return false;
-}
-
-bool isAggregated(const VLunInfo& v) { return v.type == UIL_VLUN_TYPE_DUALSITE || v.type == UIL_VLUN_TYPE_MIGRATION; }
 
 bool MPCLI_ShowVLunByVlunType(uint32_t vlunId, const VLunFilter& filter, bool verbose)
 {
@@ -448,13 +386,21 @@ bool MPCLI_ShowVLunByVlunType(uint32_t vlunId, const VLunFilter& filter, bool ve
     const MPI_Ended<INTF_UIL_GetVLunInfoEnd> owner(&v);
     if (INTF_UIL_GetVLunInfoStart(vlunId, &v) != MPI_RET_SUCCESS) {
         MPCLI_Print("The VLUN whose ID is %u does not exist.\n", vlunId);
-        MPCLI_PrintDash(kDetailWidth);
+        MPCLI_PrintDash(MPCLI_DETAIL_WIDTH);
         return false;
     }
     if (filter.given && !filter.keeps(v)) {
-        return MPCLI_PrintTypeMissMatch(v, filter);
+        MPCLI_PrintTypeMissMatch(vlunId, filter.keyword);
+        return false;
     }
-    return isAggregated(v) ? showAggregatedVLun(v) : MPCLI_ShowDiskById(v, verbose);
+    switch (v.type) {
+    case UIL_VLUN_TYPE_DUALSITE:
+        return MPCLI_ShowDSLunByVLunInfo(v, verbose);
+    case UIL_VLUN_TYPE_MIGRATION:
+        return MPCLI_ShowMigrateLunByVLunInfo(v);
+    default:
+        return MPCLI_ShowDiskById(v, verbose);
+    }
 }
 
 // show vlun id=<ID1,...> [type=<...>] [verbose]
@@ -485,14 +431,13 @@ uint8_t MPCLI_ShowVLunById(const MPCLI_Command& command)
 
 }  // namespace
 
-uint8_t MPCLI_ShowVLun(uint32_t argc, char** argv)
+uint8_t MPCLI_ShowVLun(const MPCLI_Command& command)
 {
-    if (argc == 0 || argv == nullptr || argv[0] == nullptr) {
+    if (command[0].raw.empty()) {  // not even its own keyword
         MPCLI_Print("Error: Need more option\n");
         MPCLI_CVMUsage();
         return MPCLI_RESULT_FAIL;
     }
-    const MPCLI_Command command(argc, argv);
     if (command.size() == 1) {
         return MPCLI_ShowVLunByArrayId(command);
     }
@@ -507,4 +452,62 @@ uint8_t MPCLI_ShowVLun(uint32_t argc, char** argv)
         }
     }
     return key == "id" ? MPCLI_ShowVLunById(command) : MPCLI_ShowVLunByArrayId(command);
+}
+
+void MPCLI_PrintVLunTitle(uint32_t vlunId)
+{
+    const std::string title = "VLUN#" + std::to_string(vlunId) + " Information";
+    MPCLI_PrintDoubleDash(MPCLI_DETAIL_WIDTH);
+    MPCLI_PrintCentred(title.c_str(), MPCLI_DETAIL_WIDTH);
+    MPCLI_Print("\n");
+    MPCLI_PrintDoubleDash(MPCLI_DETAIL_WIDTH);
+}
+
+void MPCLI_DiskControllerNames(const DiskInfo& disk, UilControllerNamer& namer, char* owning, char* working)
+{
+    if ((disk.capability & UIL_CAP_HIDE_CONTROLLERS) != 0) {
+        (void)strcpy_s(owning, UIL_CONTROLLER_NAME_SIZE, kNone);
+        (void)strcpy_s(working, UIL_CONTROLLER_NAME_SIZE, kNone);
+        return;
+    }
+    (void)namer.format(disk.arrayId, disk.owningController, disk.capability, owning, UIL_CONTROLLER_NAME_SIZE);
+    (void)namer.format(disk.arrayId, disk.workingController, disk.capability, working, UIL_CONTROLLER_NAME_SIZE);
+}
+
+void MPCLI_PrintDiskControllers(const DiskInfo& disk, UilControllerNamer& namer, uint32_t indent)
+{
+    for (const MPI_ListNode* c = disk.controllers.next; c != &disk.controllers; c = c->next) {
+        const UilController* controller = MPI_ListEntry<UilController>(c);
+        if (MPI_ListEmpty(&controller->paths)) {
+            continue;
+        }
+        char name[UIL_CONTROLLER_NAME_SIZE] = {};
+        (void)namer.format(disk.arrayId, controller->tpgId, disk.capability, name, sizeof(name));
+        MPCLI_Print("%*sController %s\n", static_cast<int>(indent), "", name);
+        for (const MPI_ListNode* p = controller->paths.next; p != &controller->paths; p = p->next) {
+            MPCLI_PrintDiskPath(*MPI_ListEntry<UilPathInfo>(p), indent);
+        }
+    }
+}
+
+void MPCLI_PrintVLunSuspension(const VLunInfo& v)
+{
+    if (v.suspendTimeoutMs != 0) {
+        MPCLI_Print("Manual IO Suspension  : On(timeout/remain : {%u} seconds/{%u} seconds)\n",
+                    v.suspendTimeoutMs / kMsPerSecond, v.suspendRemainMs / kMsPerSecond);
+    } else {
+        MPCLI_Print("Manual IO Suspension  : Off\n");
+    }
+}
+
+bool MPCLI_ReadVLunConfig(uint32_t vlunId, const char* wwn, const char* arraySn, UilFullCfg* config)
+{
+    const uint32_t ret = INTF_UIL_GetFullConfig(wwn, arraySn, config);
+    if (ret != MPI_RET_SUCCESS) {
+        UIL_ERR("Get config of vlun {%u} failed. ret {%u}", vlunId, ret);
+        MPCLI_PrintDash(MPCLI_DETAIL_WIDTH);
+        MPCLI_Print("Get config information failed.\n");
+        return false;
+    }
+    return true;
 }

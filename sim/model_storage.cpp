@@ -6,6 +6,7 @@
 // array, kResultNoVlun (1039) for a VLUN and kResultNoObject (1026) for a
 // disk or a controller; the payload is then left as it came.
 #include <algorithm>
+#include <string>
 
 #include "model_arrays.h"
 #include "model_objects.h"
@@ -300,13 +301,51 @@ uint32_t HandleVlunInfo(SimContext& ctx, SimPayload& p)
     return kResultSuccess;
 }
 
+namespace {
+
+// The value of a dual-site item the program last told the driver for this
+// VLUN: its LUN-level value, else that of its first member's array, else the
+// host's; "" when none was told.
+std::string DsItem(const Json& driver, const SimVlun& v, const std::string& arraySn, const char* item)
+{
+    const Json* cfg = JsonOptionalMember(driver, "user_config", "");
+    if (cfg == nullptr || !cfg->is_object()) {
+        return "";
+    }
+    auto held = [&](const char* section, const std::string& instance) -> std::string {
+        const Json* sec = JsonOptionalMember(*cfg, section, "user_config");
+        if (sec == nullptr || !sec->is_object()) {
+            return "";
+        }
+        const Json* items = sec;
+        if (!instance.empty()) {
+            if (!sec->contains(instance) || !(*sec)[instance].is_object()) {
+                return "";
+            }
+            items = &(*sec)[instance];
+        }
+        return items->contains(item) && (*items)[item].is_string() ? (*items)[item].get<std::string>() : "";
+    };
+    for (const std::string& value : {held("lun", v.wwn), held("array", arraySn), held("common", "")}) {
+        if (!value.empty()) {
+            return value;
+        }
+    }
+    return "";
+}
+
+}  // namespace
+
 // The default primary array is the driver document's optional
 // "default_ds_primary" (an array ID). A dual-site VLUN reads as working
-// between both arrays with the array of its first member as primary.
+// between both arrays with the array of its first member as primary, until
+// the program tells the driver a mode ("balance" or another word) and a
+// primary array (one of the VLUN's member arrays) through its configuration.
 uint32_t HandleDsInfo(SimContext& ctx, SimPayload& p)
 {
     SimObjectsPtr objs = ctx.objects();
     const SimArray* primary = nullptr;
+    uint8_t mode = 0;
     if (p.u8(ds::kDefaultFlag) == 1) {
         const Json* id = JsonOptionalMember(JsonMember(ctx.driver(), "driver", ""), "default_ds_primary", "driver");
         if (id == nullptr) {
@@ -325,9 +364,19 @@ uint32_t HandleDsInfo(SimContext& ctx, SimPayload& p)
             return kResultNotDualSite;
         }
         primary = objs->array(objs->disk(v->disks[0])->arrayId);
+        const std::string firstSn = primary->sn;
+        const std::string told = DsItem(ctx.driver(), *v, firstSn, "ds_primary");
+        for (uint32_t diskId : v->disks) {
+            const SimArray* member = objs->array(objs->disk(diskId)->arrayId);
+            if (member->sn == told) {
+                primary = member;
+            }
+        }
+        const std::string toldMode = DsItem(ctx.driver(), *v, firstSn, "ds_mode");
+        mode = toldMode.empty() || toldMode == "balance" ? 0 : 1;
     }
     ClearAfter(p, ds::kMode, ds::kSize);
-    p.setU8(ds::kMode, 0);
+    p.setU8(ds::kMode, mode);
     p.setText(ds::kPrimarySn, kArraySnLen, primary->sn);
     return kResultSuccess;
 }

@@ -154,15 +154,67 @@ its controllers, then an unknown VLUN; a PE LUN asked for with every type.
   Device Type       : PE LUN
   -------------------------------------------------------
 
-Dual-site and migration details, and the line for a VLUN of another type
-than the one asked for, come with the aggregated-LUN commands; until then
-the command says it could not be carried out.
+A dual-site VLUN shows both members; a VLUN of another type than the one
+asked for gets its own line and the command fails.
 
   $ cv show vlun id=3
-  Failed to execute the command due to internal errors.
-  [1]
+  =======================================================
+                    VLUN#3 Information                   
+  =======================================================
+  Disk                     : sde
+  Manual IO Suspension     : Off
+  Aggregation Type         : Dual Site
+  Aggregation Specific Attribution
+      WorkingMode            : read write between both arrays
+      Primary Array SN       : 2102351QLH10K7000001
+  Aggregation Member#0 Infomation
+      Name              : metro_vol01
+      Status            : Normal
+      Capacity          : 500.00GB
+      Aggregation Specific Attribution : N/A
+      LUN WWN           : 62c7f1a10b4c8a10000000000000002a
+      Array Name        : Dorado-Prod
+      Array SN          : 2102351QLH10K7000001
+      Driver            : alua
+      Product Name      : Dorado5000 V6
+      Vendor Name       : CORVANE
+      Owning Controller : 1A
+      Working Controller: 1A
+      Num of Paths      : 7
+      Controller 0A
+      Path 0 [3:0:0:4] (sdav)  : Normal
+      Path 4 [4:0:0:4] (sdaz)  : Disable
+      Path 18 [3:0:8:4] (sdbb)  : Potential fault degradation
+      Controller 0B
+      Path 1 [3:0:1:4] (sdaw)  : Normal
+      Path 5 [4:0:1:4] (sdba)  : Disable
+      Controller 1A
+      Path 2 [3:0:2:4] (sdax)  : I/O timeout degradation
+      Controller 1B
+      Path 3 [3:0:3:4] (sday)  : Disable
+  Aggregation Member#1 Infomation
+      Name              : metro_vol01
+      Status            : Normal
+      Capacity          : 500.00GB
+      Aggregation Specific Attribution : N/A
+      LUN WWN           : 62c7f1a10b4c8a10000000000000002a
+      Array Name        : \xb4\xe6\xb4\xa2-SiteB (esc)
+      Array SN          : 2102351QLH10K7000077
+      Driver            : alua
+      Product Name      : Dorado5000 V6
+      Vendor Name       : CORVANE
+      Owning Controller : CTE0.B
+      Working Controller: CTE0.B
+      Num of Paths      : 3
+      Controller CTE0.A
+      Path 10 [6:0:0:4] (sdbv)  : Normal
+      Path 12 [6:0:2:4] (sdbx)  : High latency degradation
+      Controller CTE0.B
+      Path 11 [6:0:1:4] (sdbw)  : Sensitive delayed degradation
+  -------------------------------------------------------
   $ cv show vlun id=0 type=dualsite
-  Failed to execute the command due to internal errors.
+  The VLUN whose ID is 0 is not a dualsite vlun.
+  -------------------------------------------------------
   [1]
 
 Columns keep their widths at the prompt: array 1's table widens them, and

@@ -13,6 +13,7 @@
 #include "support/sim_harness.h"
 #include "support/sim_topology.h"
 #include "uil/uil_aglun.h"
+#include "uil/uil_setcfg.h"
 
 namespace {
 
@@ -194,6 +195,47 @@ TEST_F(Aglun, SplitSizeTextBecomesSectors)
     EXPECT_EQ(INTF_UIL_TranseSpliteSize(small, sizeof(small)), 0u);
     EXPECT_STREQ(small, "1G");
     EXPECT_EQ(INTF_UIL_TranseSpliteSize(nullptr, 8), 0u);
+}
+
+// The driver applies the working mode and primary array it was told last:
+// the VLUN's own values before the host's, and a primary array only when it
+// is one of the VLUN's member arrays. Each row is a change and then what
+// both dual-site VLUNs read.
+TEST_F(Aglun, DualSiteAnswerFollowsTheSettingsSent)
+{
+    constexpr const char* kSiteA = "2102351XVA10K8000001";
+    constexpr const char* kSiteB = "2102351XVA10K8000002";
+    struct Row {
+        const char* what;
+        const char* id;  // "" sets the host's values; null changes nothing
+        const char* mode;
+        const char* primary;
+        uint8_t mode0;
+        const char* primary0;
+        uint8_t mode1;
+        const char* primary1;
+    } rows[] = {
+        {"nothing told: between both arrays, first member's array", nullptr, "", "", 0, kSiteA, 0, kSiteB},
+        {"host values", "", "priority", kSiteB, 1, kSiteB, 1, kSiteB},
+        {"VLUN 1 overrides the host", "1", "balance", kSiteA, 1, kSiteB, 0, kSiteA},
+        {"a host primary outside the pair is not taken", "", "priority", "2102351MIG10K8000003", 1, kSiteA, 0,
+         kSiteA},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        if (row.id != nullptr) {
+            const char* key = *row.id == '\0' ? UIL_KEY_COMMON : UIL_KEY_VLUN;
+            ASSERT_EQ(INTF_UIL_SetDsMode("CLI", key, row.id, row.mode), 1024u);
+            ASSERT_EQ(INTF_UIL_SetDsMaster("CLI", key, row.id, row.primary), 1024u);
+        }
+        UilDsInfo ds{};
+        ASSERT_EQ(INTF_UIL_GetDSInfoStart(0, &ds), 1024u);
+        EXPECT_EQ(ds.mode, row.mode0);
+        EXPECT_STREQ(ds.primarySn, row.primary0);
+        ASSERT_EQ(INTF_UIL_GetDSInfoStart(1, &ds), 1024u);
+        EXPECT_EQ(ds.mode, row.mode1);
+        EXPECT_STREQ(ds.primarySn, row.primary1);
+    }
 }
 
 }  // namespace
