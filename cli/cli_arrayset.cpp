@@ -14,6 +14,7 @@
 #include "cli/cli_token.h"
 #include "mpi/mpi_number.h"
 #include "mpi/mpi_usr.h"
+#include "uil/uil_array.h"
 #include "uil/uil_arrayset.h"
 #include "uil/uil_oper.h"
 #include "uil/uil_perf.h"
@@ -158,6 +159,18 @@ bool storedValue(const Scoped& row, const MPCLI_Word& word, std::string* out)
     return (!numeric || MPI_ToU32(*out, &number)) && INTF_UIL_CheckCfgValid(row.item, out->c_str());
 }
 
+bool arraysExist(const std::vector<uint32_t>& ids)
+{
+    bool all = true;
+    for (uint32_t id : ids) {
+        if (INTF_UIL_ArrayIDIsExist(id) != MPI_RET_SUCCESS) {
+            MPCLI_Print("The disk array whose ID is %u does not exist.\n", id);
+            all = false;
+        }
+    }
+    return all;
+}
+
 uint8_t runScoped(const Scoped& row, uint32_t argc, char** argv)
 {
     const MPCLI_Command command(argc, argv);
@@ -184,6 +197,11 @@ uint8_t runScoped(const Scoped& row, uint32_t argc, char** argv)
             return scopedUsage(row);
         }
         ids.resize(count);
+    }
+    // A missing array is named before the operator is asked anything, and
+    // nothing is changed for the others of the list.
+    if (key == UIL_KEY_ARRAY && !arraysExist(ids)) {
+        return MPCLI_RESULT_FAIL;
     }
     if (key == UIL_KEY_ARRAY && MPCLI_RiskPrompt(kOverwriteArray) == 0) {
         UIL_TRACE(MPI_LOG_INFO, "User input \"n\" to interrupt the command executing");

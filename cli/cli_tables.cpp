@@ -2,6 +2,7 @@
 #include <array>
 
 #include "cli/cli.h"
+#include "cli/cli_arrayctl.h"
 #include "cli/cli_arrayset.h"
 #include "cli/cli_helptext.h"
 #include "cli/cli_objects.h"
@@ -44,6 +45,8 @@ constexpr std::array kShow = std::to_array<MPCLI_Option>({
     {"io_latency", HELP_SHOW_IO_LATENCY, MPCLI_ShowIoLatency, N},
     {"alarmenable", HELP_SHOW_ALARMENABLE, MPCLI_ShowAlarmEnable, N},
     {"path_reliability_enable", HELP_SHOW_PATH_RELIABILITY_ENABLE, MPCLI_ShowReliabilityEnable, N},
+    // Effective configuration.
+    {"cvconfig", HELP_SHOW_CVCONFIG, MPCLI_ShowCvConfig, N},
 });
 
 // Rows of two tables as one.
@@ -80,6 +83,9 @@ constexpr std::array kSetCommands = std::to_array<MPCLI_Option>({
     // Path commands.
     {"pathstate", HELP_SET_PATHSTATE, MPCLI_SetPhyPathState, N},
     {"phypathnormal", HELP_SET_PHYPATHNORMAL, MPCLI_SetPhyPathNormal, N},
+    // Controllers.
+    {"tpgstate", HELP_SET_TPGSTATE, MPCLI_SetTpgState, N},
+    {"remote_controller", HELP_SET_REMOTE_CONTROLLER, MPCLI_SetRemoteController, N},
 });
 
 // The value settings first, in the settings table's order.
@@ -89,6 +95,9 @@ constexpr std::array kStart = std::to_array<MPCLI_Option>({
     {"diskdriverupdate", "", MPCLI_StartDiskDriverUpdate, N},
     // Path commands.
     {"pathcheck", HELP_START_PATHCHECK, MPCLI_StartPhyPathCheck, N},
+    // LUN actions.
+    {"rebalancelun", HELP_START_REBALANCELUN, MPCLI_StartRebalancelun, N},
+    {"iosuspension", HELP_START_IOSUSPENSION, MPCLI_StartIOSus, N},
 });
 
 // Supported-array rules.
@@ -104,13 +113,18 @@ constexpr std::array kClear = std::to_array<MPCLI_Option>({
     {"path_statistic", HELP_CLEAR_PATH_STATISTIC, MPCLI_ClearPathStatistic, N},
     // I/O reliability.
     {"io_count", HELP_CLEAR_IO_COUNT, MPCLI_ClearIoCount, N},
+    // Effective configuration.
+    {"cvconfig", HELP_CLEAR_CVCONFIG, MPCLI_ClearCvconfig, N},
 });
 
 constexpr std::array kCheck = std::to_array<MPCLI_Option>({
     {"status", HELP_CHECK_STATUS, MPCLI_CheckStatus, N},
 });
 
-constexpr std::array<MPCLI_Option, 0> kStop{};
+constexpr std::array kStop = std::to_array<MPCLI_Option>({
+    // LUN actions.
+    {"iosuspension", HELP_STOP_IOSUSPENSION, MPCLI_StopIOSus, N},
+});
 
 constexpr std::array kHelp = std::to_array<MPCLI_Option>({
     {"help", HELP_HELP, MPCLI_HelpHelp, N},
