@@ -14,6 +14,7 @@
 #include "cli/cli_token.h"
 #include "mpi/mpi_number.h"
 #include "mpi/mpi_usr.h"
+#include "uil/uil_array.h"
 #include "uil/uil_arrayset.h"
 #include "uil/uil_oper.h"
 #include "uil/uil_perf.h"
@@ -57,11 +58,10 @@ constexpr Switch kReliability{
 
 // One word "<keyword>=on" or "<keyword>=off"; only those two exact words are
 // a switch ("ON", "yes" or the stored "1" are not).
-uint8_t runSwitch(const Switch& sw, uint32_t argc, char** argv)
+uint8_t runSwitch(const Switch& sw, const MPCLI_Command& command)
 {
-    const MPCLI_Command command(argc, argv);
-    const bool on = argc == 1 && command[0].value == "on";
-    const bool off = argc == 1 && command[0].value == "off";
+    const bool on = command.size() == 1 && command[0].value == "on";
+    const bool off = command.size() == 1 && command[0].value == "off";
     if (!on && !off) {
         MPCLI_Print("Error: Invalid input!\nUsage:\n%s", sw.help);
         return MPCLI_RESULT_FAIL;
@@ -83,7 +83,7 @@ uint8_t runSwitch(const Switch& sw, uint32_t argc, char** argv)
     } else {
         MPCLI_PrintfInternalErrorInfo(ret);
     }
-    MPCLI_OperLog(kVerb, argc, argv, sw.eventId, result, &record);
+    MPCLI_OperLog(kVerb, command, sw.eventId, result, &record);
     return result;
 }
 
@@ -158,16 +158,27 @@ bool storedValue(const Scoped& row, const MPCLI_Word& word, std::string* out)
     return (!numeric || MPI_ToU32(*out, &number)) && INTF_UIL_CheckCfgValid(row.item, out->c_str());
 }
 
-uint8_t runScoped(const Scoped& row, uint32_t argc, char** argv)
+bool arraysExist(const std::vector<uint32_t>& ids)
 {
-    const MPCLI_Command command(argc, argv);
+    bool all = true;
+    for (uint32_t id : ids) {
+        if (INTF_UIL_ArrayIDIsExist(id) != MPI_RET_SUCCESS) {
+            MPCLI_Print("The disk array whose ID is %u does not exist.\n", id);
+            all = false;
+        }
+    }
+    return all;
+}
+
+uint8_t runScoped(const Scoped& row, const MPCLI_Command& command)
+{
     std::string value;
-    if (argc > 2 || !storedValue(row, command[0], &value)) {
+    if (command.size() > 2 || !storedValue(row, command[0], &value)) {
         return scopedUsage(row);
     }
     const char* key = UIL_KEY_COMMON;
     std::vector<uint32_t> ids;
-    if (argc == 2) {
+    if (command.size() == 2) {
         const MPCLI_Word& scope = command[1];
         if (scope.key == UIL_KEY_ARRAY) {
             key = UIL_KEY_ARRAY;
@@ -184,6 +195,11 @@ uint8_t runScoped(const Scoped& row, uint32_t argc, char** argv)
             return scopedUsage(row);
         }
         ids.resize(count);
+    }
+    // A missing array is named before the operator is asked anything, and
+    // nothing is changed for the others of the list.
+    if (key == UIL_KEY_ARRAY && !arraysExist(ids)) {
+        return MPCLI_RESULT_FAIL;
     }
     if (key == UIL_KEY_ARRAY && MPCLI_RiskPrompt(kOverwriteArray) == 0) {
         UIL_TRACE(MPI_LOG_INFO, "User input \"n\" to interrupt the command executing");
@@ -205,7 +221,7 @@ uint8_t runScoped(const Scoped& row, uint32_t argc, char** argv)
         } else if (perIdLines) {
             MPCLI_Print("Succeeded in executing the command for %s %s.\n", perVlun ? "vlun" : key, id.c_str());
         }
-        MPCLI_OperLog(kVerb, argc, argv, row.eventId, result, &record);
+        MPCLI_OperLog(kVerb, command, row.eventId, result, &record);
     }
     if (allDone && !perIdLines) {
         MPCLI_Print("Succeeded in executing the command.\n");
@@ -218,7 +234,7 @@ uint8_t runScoped(const Scoped& row, uint32_t argc, char** argv)
 
 constexpr uint32_t kMaxRecordHours = 8760;
 
-uint8_t finish(uint32_t ret, uint32_t argc, char** argv, uint32_t eventId, const UilOperLogPara& record)
+uint8_t finish(uint32_t ret, const MPCLI_Command& command, uint32_t eventId, const UilOperLogPara& record)
 {
     const uint8_t result = ret == MPI_RET_SUCCESS ? MPCLI_RESULT_OK : MPCLI_RESULT_FAIL;
     if (result == MPCLI_RESULT_OK) {
@@ -226,7 +242,7 @@ uint8_t finish(uint32_t ret, uint32_t argc, char** argv, uint32_t eventId, const
     } else {
         MPCLI_PrintfInternalErrorInfo(ret);
     }
-    MPCLI_OperLog(kVerb, argc, argv, eventId, result, &record);
+    MPCLI_OperLog(kVerb, command, eventId, result, &record);
     return result;
 }
 
@@ -242,10 +258,9 @@ bool itemValue(const MPCLI_Word& word, const char* item, std::string* out)
 
 }  // namespace
 
-uint8_t MPCLI_SetIoRetryConf(uint32_t argc, char** argv)
+uint8_t MPCLI_SetIoRetryConf(const MPCLI_Command& command)
 {
-    const MPCLI_Command command(argc, argv);
-    if (argc != 2 || command[0].key != "ioretry" || command[1].key != "ioretrydelay" || !command[0].hasValue() ||
+    if (command.size() != 2 || command[0].key != "ioretry" || command[1].key != "ioretrydelay" || !command[0].hasValue() ||
         !command[1].hasValue()) {
         MPCLI_Print("Error: Invalid input!\nUsage:\n           -- set ioretry=<number> ioretrydelay=<time>\n");
         return MPCLI_RESULT_FAIL;
@@ -258,17 +273,16 @@ uint8_t MPCLI_SetIoRetryConf(uint32_t argc, char** argv)
     }
     UilOperLogPara record{};
     const uint32_t ret = INTF_UIL_SetIoRetryConf(kSource, retries.c_str(), delay.c_str(), &record);
-    return finish(ret, argc, argv, UIL_OPER_IO_RETRY, record);
+    return finish(ret, command, UIL_OPER_IO_RETRY, record);
 }
 
-uint8_t MPCLI_SetPerformanceRecord(uint32_t argc, char** argv)
+uint8_t MPCLI_SetPerformanceRecord(const MPCLI_Command& command)
 {
-    const MPCLI_Command command(argc, argv);
-    const bool on = argc >= 1 && command[0].value == "on";
-    const bool off = argc >= 1 && command[0].value == "off";
+    const bool on = command.size() >= 1 && command[0].value == "on";
+    const bool off = command.size() >= 1 && command[0].value == "off";
     uint32_t hours = 0;
-    bool wordsOk = (on || off) && argc <= 2;
-    if (wordsOk && argc == 2) {
+    bool wordsOk = (on || off) && command.size() <= 2;
+    if (wordsOk && command.size() == 2) {
         const MPCLI_Word& duration = command[1];
         const std::string text(duration.value);
         wordsOk = duration.key == "duration" && duration.hasValue() && MPCLI_IsNum(text.c_str()) == 1 &&
@@ -296,28 +310,28 @@ uint8_t MPCLI_SetPerformanceRecord(uint32_t argc, char** argv)
     const std::string logged = std::string(on ? "1" : "0") + "," + std::to_string(hours);
     UIL_TransOperLogValue(logged.c_str(), &record);
     const uint32_t ret = INTF_UIL_SetPerfRecord(kSource, on ? 1 : 0, hours);
-    return finish(ret, argc, argv, UIL_OPER_PERF_RECORD, record);
+    return finish(ret, command, UIL_OPER_PERF_RECORD, record);
 }
 
-uint8_t MPCLI_SetStopIoSuspension(uint32_t argc, char** argv)
+uint8_t MPCLI_SetStopIoSuspension(const MPCLI_Command& command)
 {
     uint32_t diskId = 0;
-    if (argc != 2 || !MPCLI_ReadNum(argv[1], &diskId) || MPCLI_ValueCheckByType(static_cast<int32_t>(diskId), MPCLI_ID_VLUN) == 0) {
+    if (command.size() != 2 || !MPCLI_ReadNum(command[1].raw, &diskId) || MPCLI_ValueCheckByType(static_cast<int32_t>(diskId), MPCLI_ID_VLUN) == 0) {
         return MPCLI_UsageError("Error: Invalid input!\n");
     }
     UilOperLogPara record{};
     UIL_TransOperLogValue(std::to_string(diskId).c_str(), &record);
     const uint32_t ret = INTF_UIL_TurnOffIoSuspension(diskId);
-    return finish(ret, argc, argv, UIL_OPER_CLOSE_IOSUSPENSION, record);
+    return finish(ret, command, UIL_OPER_CLOSE_IOSUSPENSION, record);
 }
 
-uint8_t MPCLI_SetLbController(uint32_t argc, char** argv) { return runScoped(kWorkingMode, argc, argv); }
-uint8_t MPCLI_SetLbPolicy(uint32_t argc, char** argv) { return runScoped(kLbPolicy, argc, argv); }
-uint8_t MPCLI_SetLunTrespass(uint32_t argc, char** argv) { return runScoped(kTrespass, argc, argv); }
-uint8_t MPCLI_SetHoldonTime(uint32_t argc, char** argv) { return runScoped(kHoldon, argc, argv); }
-uint8_t MPCLI_SetLBIOThreshold(uint32_t argc, char** argv) { return runScoped(kLbThreshold, argc, argv); }
-uint8_t MPCLI_SetIoRetryTimeOut(uint32_t argc, char** argv) { return runScoped(kRetryTimeout, argc, argv); }
+uint8_t MPCLI_SetLbController(const MPCLI_Command& command) { return runScoped(kWorkingMode, command); }
+uint8_t MPCLI_SetLbPolicy(const MPCLI_Command& command) { return runScoped(kLbPolicy, command); }
+uint8_t MPCLI_SetLunTrespass(const MPCLI_Command& command) { return runScoped(kTrespass, command); }
+uint8_t MPCLI_SetHoldonTime(const MPCLI_Command& command) { return runScoped(kHoldon, command); }
+uint8_t MPCLI_SetLBIOThreshold(const MPCLI_Command& command) { return runScoped(kLbThreshold, command); }
+uint8_t MPCLI_SetIoRetryTimeOut(const MPCLI_Command& command) { return runScoped(kRetryTimeout, command); }
 
-uint8_t MPCLI_SetAlarmEnable(uint32_t argc, char** argv) { return runSwitch(kAlarm, argc, argv); }
+uint8_t MPCLI_SetAlarmEnable(const MPCLI_Command& command) { return runSwitch(kAlarm, command); }
 
-uint8_t MPCLI_SetReliabilityEnable(uint32_t argc, char** argv) { return runSwitch(kReliability, argc, argv); }
+uint8_t MPCLI_SetReliabilityEnable(const MPCLI_Command& command) { return runSwitch(kReliability, command); }

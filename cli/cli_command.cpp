@@ -29,19 +29,6 @@ MPCLI_Line::MPCLI_Line(uint32_t argc, char* const* argv)
     }
 }
 
-MPCLI_Command::MPCLI_Command(uint32_t argc, char* const* argv)
-{
-    auto words = std::make_shared<std::vector<MPCLI_Word>>();
-    for (uint32_t i = 0; i < argc && argv != nullptr && argv[i] != nullptr; ++i) {
-        words->push_back(MPCLI_SplitWord(argv[i]));
-    }
-    if (words->empty()) {
-        words->emplace_back();
-    }
-    m_words = *words;
-    m_split = std::move(words);
-}
-
 bool MPCLI_Command::keysIn(std::initializer_list<std::string_view> keys) const
 {
     return std::all_of(args().begin(), args().end(), [&](const MPCLI_Word& word) {

@@ -7,7 +7,6 @@
 
 #include <cstdint>
 #include <initializer_list>
-#include <memory>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -32,9 +31,6 @@ class MPCLI_Command {
 public:
     MPCLI_Command() = default;
     MPCLI_Command(std::span<const MPCLI_Word> words, const char* keys) : m_words(words), m_keys(keys) {}
-    // Splits the words itself: only for the handlers still called with
-    // the argument words (cli_words.h).
-    MPCLI_Command(uint32_t argc, char* const* argv);
 
     uint32_t size() const { return static_cast<uint32_t>(m_words.size()); }
     const MPCLI_Word& operator[](uint32_t index) const { return m_words[index]; }
@@ -43,20 +39,9 @@ public:
     std::span<const MPCLI_Word> words() const { return m_words; }
     // The command of the object keyword that follows this command's own:
     // word 1 onwards, without the keys of this row.
-    MPCLI_Command object() const
-    {
-        MPCLI_Command tail = *this;
-        tail.m_words = args();
-        tail.m_keys = nullptr;
-        return tail;
-    }
+    MPCLI_Command object() const { return MPCLI_Command(args(), nullptr); }
     // The same words, with the keys a dispatch row accepts.
-    MPCLI_Command accepting(const char* keys) const
-    {
-        MPCLI_Command same = *this;
-        same.m_keys = keys;
-        return same;
-    }
+    MPCLI_Command accepting(const char* keys) const { return MPCLI_Command(m_words, keys); }
 
     // True when every argument's key is one of `keys`.
     bool keysIn(std::initializer_list<std::string_view> keys) const;
@@ -67,7 +52,6 @@ public:
 private:
     std::span<const MPCLI_Word> m_words;
     const char* m_keys = nullptr;  // blank-separated keys of the row
-    std::shared_ptr<const std::vector<MPCLI_Word>> m_split;  // words split by the constructor above
 };
 
 // The words of one typed line or of the process arguments, split once.

@@ -52,12 +52,6 @@ void writeLine(const char* verb, const char* command, uint32_t eventId, uint8_t 
 
 }  // namespace
 
-void MPCLI_OperLog(const char* verb, uint32_t argc, char** argv, uint32_t eventId, uint8_t result,
-                   const UilOperLogPara* record)
-{
-    MPCLI_OperLog(verb, MPCLI_Command(argc, argv), eventId, result, record);
-}
-
 void MPCLI_OperLog(const char* verb, const MPCLI_Command& command, uint32_t eventId, uint8_t result,
                    const UilOperLogPara* record)
 {

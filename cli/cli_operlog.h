@@ -14,16 +14,10 @@ class MPCLI_Command;
 void MPCLI_BuildCommandText(const MPCLI_Command& command, char* out, size_t size);
 
 // Writes the line for a command of the shell (source "CLI"): `verb` ("set",
-// "clear", ...), the words after the verb, the event, the result flag (1
+// "clear", ...), the words of the handler's command, the event, the result flag (1
 // succeeded, 0 failed) and the record (null: an all-zero record). A line
 // that cannot be written is said on standard error with its cause, and the
 // command then fails: a change must never pass unrecorded in silence.
-void MPCLI_OperLog(const char* verb, uint32_t argc, char** argv, uint32_t eventId, uint8_t result,
-                   const UilOperLogPara* record);
-
-// The same for a parsed command: its words after word 0 are the line's
-// words after the verb only when word 0 is the verb's object keyword, so
-// `command` is the handler's own command (its keyword is logged too).
 void MPCLI_OperLog(const char* verb, const MPCLI_Command& command, uint32_t eventId, uint8_t result,
                    const UilOperLogPara* record);
 

@@ -3,13 +3,13 @@
 
 #include "cli/cli.h"
 #include "cli/cli_aglun.h"
+#include "cli/cli_arrayctl.h"
 #include "cli/cli_arrayset.h"
 #include "cli/cli_helptext.h"
 #include "cli/cli_objects.h"
 #include "cli/cli_pathset.h"
 #include "cli/cli_reliability.h"
 #include "cli/cli_settings.h"
-#include "cli/cli_words.h"
 
 namespace {
 
@@ -49,6 +49,8 @@ constexpr std::array kShow = std::to_array<MPCLI_Option>({
     {"io_latency", HELP_SHOW_IO_LATENCY, MPCLI_ShowIoLatency, N, "vlun_id"},
     {"alarmenable", HELP_SHOW_ALARMENABLE, MPCLI_ShowAlarmEnable, N},
     {"path_reliability_enable", HELP_SHOW_PATH_RELIABILITY_ENABLE, MPCLI_ShowReliabilityEnable, N},
+    // Effective configuration.
+    {"cvconfig", HELP_SHOW_CVCONFIG, MPCLI_ShowCvConfig, N, "array_id vlun_id"},
 });
 
 // Rows of two tables as one.
@@ -70,23 +72,26 @@ constexpr std::array<MPCLI_Option, A + B> joinRows(const std::array<MPCLI_Option
 // scoped setters, actions.
 constexpr std::array kSetCommands = std::to_array<MPCLI_Option>({
     // The array family.
-    {"workingmode", HELP_SET_WORKINGMODE, MPCLI_WordsHandler<MPCLI_SetLbController>, N, "array_id vlun_id"},
-    {"loadbalancemode", HELP_SET_LOADBALANCEMODE, MPCLI_WordsHandler<MPCLI_SetLbPolicy>, N, "array_id vlun_id"},
-    {"luntrespass", HELP_SET_LUNTRESPASS, MPCLI_WordsHandler<MPCLI_SetLunTrespass>, N, "array_id vlun_id"},
-    {"iosuspensiontime", HELP_SET_IOSUSPENSIONTIME, MPCLI_WordsHandler<MPCLI_SetHoldonTime>, N, "array_id vlun_id"},
-    {"lb_io_threshold", HELP_SET_LB_IO_THRESHOLD, MPCLI_WordsHandler<MPCLI_SetLBIOThreshold>, N, "array_id vlun_id"},
-    {"max_io_retry_timeout", HELP_SET_MAX_IO_RETRY_TIMEOUT, MPCLI_WordsHandler<MPCLI_SetIoRetryTimeOut>, N, "array_id vlun_id"},
-    {"ioretry", HELP_SET_IORETRY, MPCLI_WordsHandler<MPCLI_SetIoRetryConf>, N, "ioretrydelay"},
-    {"performance_record", HELP_SET_PERFORMANCE_RECORD, MPCLI_WordsHandler<MPCLI_SetPerformanceRecord>, N, "duration"},
+    {"workingmode", HELP_SET_WORKINGMODE, MPCLI_SetLbController, N, "array_id vlun_id"},
+    {"loadbalancemode", HELP_SET_LOADBALANCEMODE, MPCLI_SetLbPolicy, N, "array_id vlun_id"},
+    {"luntrespass", HELP_SET_LUNTRESPASS, MPCLI_SetLunTrespass, N, "array_id vlun_id"},
+    {"iosuspensiontime", HELP_SET_IOSUSPENSIONTIME, MPCLI_SetHoldonTime, N, "array_id vlun_id"},
+    {"lb_io_threshold", HELP_SET_LB_IO_THRESHOLD, MPCLI_SetLBIOThreshold, N, "array_id vlun_id"},
+    {"max_io_retry_timeout", HELP_SET_MAX_IO_RETRY_TIMEOUT, MPCLI_SetIoRetryTimeOut, N, "array_id vlun_id"},
+    {"ioretry", HELP_SET_IORETRY, MPCLI_SetIoRetryConf, N, "ioretrydelay"},
+    {"performance_record", HELP_SET_PERFORMANCE_RECORD, MPCLI_SetPerformanceRecord, N, "duration"},
     // Listed only in the full usage text.
-    {"stop_iosuspension", "", MPCLI_WordsHandler<MPCLI_SetStopIoSuspension>, N},
-    {"alarmenable", HELP_SET_ALARMENABLE, MPCLI_WordsHandler<MPCLI_SetAlarmEnable>, N},
-    {"path_reliability_enable", HELP_SET_PATH_RELIABILITY_ENABLE, MPCLI_WordsHandler<MPCLI_SetReliabilityEnable>, N},
+    {"stop_iosuspension", "", MPCLI_SetStopIoSuspension, N},
+    {"alarmenable", HELP_SET_ALARMENABLE, MPCLI_SetAlarmEnable, N},
+    {"path_reliability_enable", HELP_SET_PATH_RELIABILITY_ENABLE, MPCLI_SetReliabilityEnable, N},
     // Path commands.
     {"pathstate", HELP_SET_PATHSTATE, MPCLI_SetPhyPathState, N, "path_id"},
     {"phypathnormal", HELP_SET_PHYPATHNORMAL, MPCLI_SetPhyPathNormal, N, "path_id"},
     // Aggregated VLUNs.
     {"dualsite", HELP_SET_DUALSITE, MPCLI_SetDualsite, N, "workingmode primary_array_id split_size vlun_id"},
+    // Controllers.
+    {"tpgstate", HELP_SET_TPGSTATE, MPCLI_SetTpgState, N, "array_id tpg_id"},
+    {"remote_controller", HELP_SET_REMOTE_CONTROLLER, MPCLI_SetRemoteController, N, "array_id tpg_id local remote"},
 });
 
 // The value settings first, in the settings table's order.
@@ -98,6 +103,9 @@ constexpr std::array kStart = std::to_array<MPCLI_Option>({
     {"pathcheck", HELP_START_PATHCHECK, MPCLI_StartPhyPathCheck, N, "path_id"},
     // Aggregated VLUNs.
     {"migration", HELP_START_MIGRATION, MPCLI_StartMigration, N, "vlun_id direction rollback"},
+    // LUN actions.
+    {"rebalancelun", HELP_START_REBALANCELUN, MPCLI_StartRebalancelun, N, "array_id vlun_id"},
+    {"iosuspension", HELP_START_IOSUSPENSION, MPCLI_StartIOSus, N, "vlun_id timeout"},
 });
 
 // Supported-array rules.
@@ -113,13 +121,18 @@ constexpr std::array kClear = std::to_array<MPCLI_Option>({
     {"path_statistic", HELP_CLEAR_PATH_STATISTIC, MPCLI_ClearPathStatistic, N, "path_id array_id"},
     // I/O reliability.
     {"io_count", HELP_CLEAR_IO_COUNT, MPCLI_ClearIoCount, N},
+    // Effective configuration.
+    {"cvconfig", HELP_CLEAR_CVCONFIG, MPCLI_ClearCvconfig, N, "array_id vlun_id"},
 });
 
 constexpr std::array kCheck = std::to_array<MPCLI_Option>({
     {"status", HELP_CHECK_STATUS, MPCLI_CheckStatus, N},
 });
 
-constexpr std::array<MPCLI_Option, 0> kStop{};
+constexpr std::array kStop = std::to_array<MPCLI_Option>({
+    // LUN actions.
+    {"iosuspension", HELP_STOP_IOSUSPENSION, MPCLI_StopIOSus, N, "vlun_id"},
+});
 
 constexpr std::array kHelp = std::to_array<MPCLI_Option>({
     {"help", HELP_HELP, MPCLI_HelpHelp, N},

@@ -78,7 +78,8 @@ A VLUN list and a range; loadbalancemode reports each ID of a list:
   [12] [CLI] [1] [1396789507] [set loadbalancemode=min-task vlun_id=1] [Modify LB Algorithm to minimal task algotithm] [1]
 
 An array value replaces the VLUNs' own values of that array; it is asked
-for first, and "n" changes nothing:
+for first, and "n" changes nothing (the one request only asks whether the
+array exists, so that a missing array is named before the question):
 
   $ cp "$cfg" before.xml; : > "$CVADM_ROOT/sim/requests.log"
   $ echo n | cv set lb_io_threshold=9 array_id=0; echo "[$?]"
@@ -88,7 +89,7 @@ for first, and "n" changes nothing:
   [0]
   $ cmp "$cfg" before.xml && echo same file; wc -l < "$CVADM_ROOT/sim/requests.log"
   same file
-  0
+  1
   $ echo y | cv set lb_io_threshold=9 array_id=0; echo "[$?]"; levels lb_io_threshold
   
   The current configuration will overwrite the configuration of all VLUNs in this array. 
@@ -116,10 +117,7 @@ value:
   The VLUN whose ID is 4000 does not exist.
   [1]
   $ echo y | cv set iosuspensiontime=5 array_id=77; echo "[$?]"
-  
-  The current configuration will overwrite the configuration of all VLUNs in this array. 
-  Are you sure you want to continue? [y,n]: 
-  Failed to execute the command due to internal errors.
+  The disk array whose ID is 77 does not exist.
   [1]
   $ cv set loadbalancemode=round-robin vlun_id=4000,0; echo "[$?]"
   The VLUN whose ID is 4000 does not exist.

@@ -118,7 +118,8 @@ TEST(Words, EachWordIsSplitOnceAtItsFirstEqualSign)
     char w3[] = "verbose";
     char w4[] = "a=b=c";
     char* argv[] = {w0, w1, w2, w3, w4, nullptr};
-    const MPCLI_Command command(5, argv);
+    const MPCLI_Line line(5, argv);
+    const MPCLI_Command command = line.command();
     ASSERT_EQ(command.size(), 5u);
     ASSERT_EQ(command.args().size(), 4u);
     const struct {
@@ -145,7 +146,8 @@ TEST(Words, EachWordIsSplitOnceAtItsFirstEqualSign)
     }
     EXPECT_TRUE(command.keysIn({"id", "type", "verbose", "a"}));
     EXPECT_FALSE(command.keysIn({"id", "type"}));
-    const MPCLI_Command none(0, nullptr);
+    const MPCLI_Line noLine(0, nullptr);
+    const MPCLI_Command none = noLine.command();
     EXPECT_EQ(none.size(), 1u) << "a handler always has its keyword word";
     EXPECT_TRUE(none.args().empty());
 }
