@@ -181,6 +181,3 @@ const T* MPI_ListEntry(const MPI_ListNode* node)
 {
     return reinterpret_cast<const T*>(reinterpret_cast<const char*>(node) - offsetof(T, links));
 }
-// The same, for the lists whose users still name the member.
-#define MPI_LIST_ENTRY(node, type, member) \
-    (reinterpret_cast<type*>(reinterpret_cast<char*>(node) - offsetof(type, member)))

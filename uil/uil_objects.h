@@ -18,17 +18,3 @@
 #include "uil/uil_tpg.h"
 #include "uil/uil_vlun.h"
 
-// The record holding `node`: every record of this layer opens with its
-// `links`, so the node's address is the record's.
-template <typename T>
-const T* UIL_ListEntry(const MPI_ListNode* node)
-{
-    static_assert(offsetof(T, links) == 0, "records open with their links");
-    return reinterpret_cast<const T*>(node);
-}
-template <typename T>
-T* UIL_ListEntry(MPI_ListNode* node)
-{
-    static_assert(offsetof(T, links) == 0, "records open with their links");
-    return reinterpret_cast<T*>(node);
-}

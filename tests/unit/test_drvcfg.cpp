@@ -107,7 +107,7 @@ protected:
             return {"(failed)"};
         }
         for (MPI_ListNode* n = head.next; n != &head; n = n->next) {
-            const UilVendorRule* r = MPI_LIST_ENTRY(n, UilVendorRule, links);
+            const UilVendorRule* r = MPI_ListEntry<UilVendorRule>(n);
             out.push_back(std::string(r->vendor) + "|" + r->product + "|" + r->driver);
         }
         EXPECT_EQ(count, out.size());
@@ -531,7 +531,7 @@ std::vector<std::string> entries(uint32_t (*start)(MPI_ListNode*, uint32_t*), vo
     }
     std::vector<std::string> out;
     for (MPI_ListNode* n = head.next; n != &head; n = n->next) {
-        const UilParamEntry* e = MPI_LIST_ENTRY(n, UilParamEntry, links);
+        const UilParamEntry* e = MPI_ListEntry<UilParamEntry>(n);
         std::string text = std::to_string(e->line) + ":";
         for (uint32_t i = 0; i < e->count; ++i) {
             text += std::string(i == 0 ? " " : "; ") + e->pairs[i].key + "=" + e->pairs[i].value;

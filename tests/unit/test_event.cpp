@@ -288,7 +288,7 @@ TEST_F(EventLog, LatestEventsInTimeOrder)
         ASSERT_EQ(INTF_UIL_ShowLatestEvents(&head, c.latest, &count), MPI_RET_SUCCESS);
         std::vector<uint32_t> ids;
         for (MPI_ListNode* n = head.next; n != &head; n = n->next) {
-            ids.push_back(MPI_LIST_ENTRY(n, UilEventInfo, links)->eventId);
+            ids.push_back(MPI_ListEntry<UilEventInfo>(n)->eventId);
         }
         INTF_UIL_ShowEventEnd(&head);
         EXPECT_EQ(ids, c.ids) << c.latest;

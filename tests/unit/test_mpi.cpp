@@ -203,7 +203,7 @@ std::vector<int> values(MPI_ListNode* head)
 {
     std::vector<int> out;
     for (MPI_ListNode* n = head->next; n != head; n = n->next) {
-        out.push_back(MPI_LIST_ENTRY(n, Item, links)->value);
+        out.push_back(MPI_ListEntry<Item>(n)->value);
     }
     return out;
 }

@@ -270,9 +270,9 @@ public:
     {
         std::vector<std::string> out;
         for (MPI_ListNode* c = disk.controllers.next; c != &disk.controllers; c = c->next) {
-            UilController* controller = UIL_ListEntry<UilController>(c);
+            UilController* controller = MPI_ListEntry<UilController>(c);
             for (MPI_ListNode* p = controller->paths.next; p != &controller->paths; p = p->next) {
-                out.push_back(UIL_ListEntry<UilPathInfo>(p)->pathState);
+                out.push_back(MPI_ListEntry<UilPathInfo>(p)->pathState);
             }
         }
         return out;
@@ -394,7 +394,7 @@ TEST_F(ObjectRules, VLunListSortsByVLunId)
     UIL_SortVLunListByVLunID(&head);
     std::vector<uint32_t> order;
     for (MPI_ListNode* n = head.next; n != &head; n = n->next) {
-        order.push_back(UIL_ListEntry<VLunInfo>(n)->vlunId);
+        order.push_back(MPI_ListEntry<VLunInfo>(n)->vlunId);
     }
     EXPECT_EQ(order, (std::vector<uint32_t>{0, 2, 2, 9, 16383}));
     INTF_UIL_EnumerateVLunEnd(&head);

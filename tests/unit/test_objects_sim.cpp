@@ -76,7 +76,7 @@ std::vector<T*> entries(MPI_ListNode* head)
 {
     std::vector<T*> out;
     for (MPI_ListNode* n = head->next; n != head; n = n->next) {
-        out.push_back(UIL_ListEntry<T>(n));
+        out.push_back(MPI_ListEntry<T>(n));
     }
     return out;
 }

@@ -534,7 +534,7 @@ TEST_F(OperLogFile, ReadingBackKeepsWellFormedLinesInOrder)
     ASSERT_EQ(INTF_UIL_EnumerateOperLogStart(&head, &count), MPI_RET_SUCCESS);
     std::vector<std::string> entries;
     for (MPI_ListNode* n = head.next; n != &head; n = n->next) {
-        const UilOperLogEntry* e = MPI_LIST_ENTRY(n, UilOperLogEntry, links);
+        const UilOperLogEntry* e = MPI_ListEntry<UilOperLogEntry>(n);
         std::ostringstream row;
         row << e->serial << '|' << std::strlen(e->date) << '|' << e->source << '|' << e->level << '|' << std::hex
             << e->eventId << std::dec << '|' << e->command << '|' << e->english << '|' << e->localised << '|'

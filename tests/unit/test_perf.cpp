@@ -234,7 +234,7 @@ std::vector<UilPerfEntry*> entries(MPI_ListNode* head)
 {
     std::vector<UilPerfEntry*> out;
     for (MPI_ListNode* n = head->next; n != head; n = n->next) {
-        out.push_back(MPI_LIST_ENTRY(n, UilPerfEntry, links));
+        out.push_back(MPI_ListEntry<UilPerfEntry>(n));
     }
     return out;
 }

@@ -44,7 +44,7 @@ Rates ratesOf(const UilPerfEntry& e)
 const UilPerfEntry* find(MPI_ListNode* head, uint32_t pathId)
 {
     for (MPI_ListNode* n = head->next; n != head; n = n->next) {
-        const UilPerfEntry* e = MPI_LIST_ENTRY(n, UilPerfEntry, links);
+        const UilPerfEntry* e = MPI_ListEntry<UilPerfEntry>(n);
         if (e->pathId == pathId) {
             return e;
         }
@@ -132,7 +132,7 @@ TEST_F(PerfSim, ArrayPathsAreListedThenAskedOneByOne)
     }
     std::vector<uint32_t> listed;
     for (MPI_ListNode* n = cur.next; n != &cur; n = n->next) {
-        listed.push_back(MPI_LIST_ENTRY(n, UilPerfEntry, links)->pathId);
+        listed.push_back(MPI_ListEntry<UilPerfEntry>(n)->pathId);
     }
     EXPECT_EQ(asked, listed);
     EXPECT_FALSE(listed.empty());
