@@ -53,7 +53,6 @@ char* MPCLI_Readline(const char* promptFormat, ...) __attribute__((format(printf
 uint32_t MPCLI_IsOneLineCmd(const char* token);
 uint8_t MPCLI_NewCmd(uint32_t argc, char** argv);
 uint8_t MPCLI_ExecuteParameter(const char* keyword, uint32_t argc, char** argv, uint32_t rows, const MPCLI_Option* table);
-uint8_t MPCLI_Dispatch(const char* keyword, uint32_t argc, char** argv, MPCLI_Table table);
 // Runs the row of `keyword` in `table` on the words of `command`, whose
 // word 0 is the keyword's own word.
 uint8_t MPCLI_DispatchCommand(std::string_view keyword, const MPCLI_Command& command, MPCLI_Table table);

@@ -43,14 +43,6 @@ uint8_t MPCLI_ExecuteParameter(const char* keyword, uint32_t argc, char** argv, 
     return runRows(keyword, line.command(), std::span<const MPCLI_Option>(table, rows));
 }
 
-uint8_t MPCLI_Dispatch(const char* keyword, uint32_t argc, char** argv, MPCLI_Table table)
-{
-    // An empty table has no storage of its own; any non-null pointer will do.
-    static const MPCLI_Option s_none{"", "", nullptr, 0};
-    const MPCLI_Option* rows = table.empty() ? &s_none : table.data();
-    return MPCLI_ExecuteParameter(keyword, argc, argv, static_cast<uint32_t>(table.size()), rows);
-}
-
 uint8_t MPCLI_DispatchCommand(std::string_view keyword, const MPCLI_Command& command, MPCLI_Table table)
 {
     return runRows(keyword, command, table);

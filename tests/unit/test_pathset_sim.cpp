@@ -23,6 +23,7 @@
 #include "uil/uil_oper.h"
 #include "uil/uil_pathset.h"
 #include "uil/uil_reliability.h"
+#include "support/dispatch.h"
 
 namespace {
 
@@ -534,7 +535,7 @@ TEST_F(PathSetSim, CounterDisplaysWithoutTheirKeywordNeedMore)
     char* none[] = {nullptr};
     for (const char* show : {"io_count", "io_latency"}) {
         testing::internal::CaptureStdout();
-        EXPECT_EQ(MPCLI_Dispatch(show, 0, none, g_stCLIOptionShowType), 0);
+        EXPECT_EQ(DispatchWords(show, 0, none, g_stCLIOptionShowType), 0);
         EXPECT_EQ(testing::internal::GetCapturedStdout().rfind("Error: Need more option\nUsage: [OPTION]\n", 0), 0u);
         EXPECT_TRUE(requests().empty());
     }

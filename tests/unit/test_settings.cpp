@@ -10,6 +10,7 @@
 #include "cli/cli.h"
 #include "cli/cli_settings.h"
 #include "uil/uil_cfg.h"
+#include "support/dispatch.h"
 
 namespace {
 
@@ -121,7 +122,7 @@ TEST(Settings, MalformedWordGetsTheShortUsageWithoutTouchingTheStore)
     const std::string usage = "Error: Invalid input!\nUsage:\n           --set tod_time=<time>\n";
     for (auto [argc, argv] : {std::pair{1u, one}, std::pair{2u, two}}) {
         testing::internal::CaptureStdout();
-        EXPECT_EQ(MPCLI_Dispatch("tod_time", argc, argv, g_stCLIOptionSetType), MPCLI_RESULT_FAIL);
+        EXPECT_EQ(DispatchWords("tod_time", argc, argv, g_stCLIOptionSetType), MPCLI_RESULT_FAIL);
         EXPECT_EQ(testing::internal::GetCapturedStdout(), usage);
     }
 }

@@ -9,6 +9,7 @@
 
 #include "cli/cli.h"
 #include "mpi/mpi_usr.h"
+#include "support/dispatch.h"
 
 namespace {
 
@@ -102,10 +103,10 @@ TEST(Dispatch, ExactKeywordDebugRowsAndResults)
     char* argv[] = {a0, a1, nullptr};
     g_calls = 0;
     testing::internal::CaptureStdout();
-    EXPECT_EQ(MPCLI_Dispatch("normal", 2, argv, kRows), 7);
-    EXPECT_EQ(MPCLI_Dispatch("hidden", 2, argv, kRows), 0);
-    EXPECT_EQ(MPCLI_Dispatch("Normal", 2, argv, kRows), 0);  // case-sensitive
-    EXPECT_EQ(MPCLI_Dispatch("norm", 2, argv, kRows), 0);    // no prefix matching
+    EXPECT_EQ(DispatchWords("normal", 2, argv, kRows), 7);
+    EXPECT_EQ(DispatchWords("hidden", 2, argv, kRows), 0);
+    EXPECT_EQ(DispatchWords("Normal", 2, argv, kRows), 0);  // case-sensitive
+    EXPECT_EQ(DispatchWords("norm", 2, argv, kRows), 0);    // no prefix matching
     std::string out = testing::internal::GetCapturedStdout();
     EXPECT_EQ(g_calls, 1u);
     EXPECT_EQ(out.rfind("Error: not allowed input\nUsage: [OPTION]\n", 0), 0u) << out.substr(0, 80);
@@ -113,8 +114,8 @@ TEST(Dispatch, ExactKeywordDebugRowsAndResults)
 
     g_bCLIDebugCmdOn = 1;  // the switch no command sets: debug rows run and usage is silent
     testing::internal::CaptureStdout();
-    EXPECT_EQ(MPCLI_Dispatch("hidden", 2, argv, kRows), 7);
-    EXPECT_EQ(MPCLI_Dispatch("absent", 2, argv, kRows), 0);
+    EXPECT_EQ(DispatchWords("hidden", 2, argv, kRows), 7);
+    EXPECT_EQ(DispatchWords("absent", 2, argv, kRows), 0);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error: Input Option is not supported.\n");
     g_bCLIDebugCmdOn = 0;
 }
@@ -154,7 +155,7 @@ TEST(Dispatch, RowNamesTheKeysItsHandlerAccepts)
             argv.push_back(w.data());
         }
         argv.push_back(nullptr);
-        EXPECT_EQ(MPCLI_Dispatch(c.row, static_cast<uint32_t>(words.size()), argv.data(), rows), c.accepted)
+        EXPECT_EQ(DispatchWords(c.row, static_cast<uint32_t>(words.size()), argv.data(), rows), c.accepted)
             << c.row << " " << (c.args.empty() ? "" : c.args.back());
     }
 }
