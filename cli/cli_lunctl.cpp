@@ -74,8 +74,11 @@ uint8_t ctrlSuspension(const MPCLI_Command& command, uint32_t vlunId, uint32_t s
         MPCLI_Print("The VLUN whose ID is %u does not exist.\n", vlunId);
         return MPCLI_RESULT_FAIL;
     }
+    // The start line names the time and the VLUN, the stop line only the
+    // VLUN: its one parameter is the record's value.
+    const std::string id = std::to_string(vlunId);
     UilOperLogPara record{};
-    UIL_TransOperLogPara(UIL_KEY_VLUN, std::to_string(vlunId).c_str(), std::to_string(seconds).c_str(), &record);
+    UIL_TransOperLogPara(UIL_KEY_VLUN, id.c_str(), seconds != 0 ? std::to_string(seconds).c_str() : id.c_str(), &record);
     const uint32_t ret = INTF_UIL_CtrlIOSus(kSource, vlunId, seconds * kMsPerSecond);
     const uint8_t result = resultOf(ret);
     if (result == MPCLI_RESULT_OK) {
